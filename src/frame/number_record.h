@@ -1,0 +1,60 @@
+// NumberRecord: the magnitude of one integer, in limbs of the owner's radix.
+//
+// Invariants after every public operation:
+//  - at least three limbs are allocated and every limb above topIndex is zero;
+//  - zero is a single zero limb with topIndex == lowIndex == 0;
+//  - otherwise limb[topIndex] != 0, limb[lowIndex] != 0 and all limbs below
+//    lowIndex are zero, so lowIndex counts the whole trailing zero limbs.
+// resizeStorage is the only routine that allocates limbs.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "frame/radix.h"
+
+namespace tw {
+
+struct NumberRecord {
+    std::unique_ptr<std::string> textBufferA;      // last 8-bit text handed out
+    std::unique_ptr<std::u16string> textBufferW;   // last 16-bit text handed out
+    Limb* digits = nullptr;                        // limb 0 of the magnitude
+    Limb* digitsEnd = nullptr;                     // one past the last allocated limb
+    std::uint32_t lowIndex = 0;                    // lowest non-zero limb
+    std::uint32_t topIndex = 0;                    // highest non-zero limb
+    std::vector<Limb> limbs;                       // the storage behind digits
+
+    NumberRecord() = default;
+    // A copy holds exactly topIndex + 1 limbs and no text.
+    NumberRecord(const NumberRecord& other);
+    // Assignment drops the target's text and reuses its storage.
+    NumberRecord& operator=(const NumberRecord& other);
+    NumberRecord(NumberRecord&&) noexcept = default;
+    NumberRecord& operator=(NumberRecord&&) noexcept = default;
+
+    std::size_t allocated() const { return std::size_t(digitsEnd - digits); }
+    bool isZero() const { return digits[topIndex] == 0; }
+    std::uint32_t usedLimbs() const { return topIndex + 1; }
+};
+
+// Ensures at least max(limbCount, 3) limbs.  discard: the old value is dropped
+// and every limb is zero; otherwise limbs below limbCount keep their values and
+// the limbs from limbCount up are zeroed.  Storage never shrinks.  When the
+// limbs cannot be had, records -3 and leaves the record zero.
+void resizeStorage(NumberRecord& record, std::uint32_t limbCount, bool discard);
+
+void dropTextBuffers(NumberRecord& record);
+
+// Recomputes topIndex and lowIndex after limbs 0 .. limbCount-1 were written.
+void normalizeIndices(NumberRecord& record, std::uint32_t limbCount);
+
+// Makes the record zero (keeps its storage, drops its text).
+void setRecordZero(NumberRecord& record);
+
+// Test seam: requests for more limbs than this fail as if memory were exhausted.
+void setLimbAllocationCeilingForTesting(std::size_t limbs);
+
+}  // namespace tw

@@ -1,0 +1,7 @@
+#include "frame/stopwatch.h"
+
+namespace tw {
+
+void stopwatchHaltOnError() {}
+
+}  // namespace tw
