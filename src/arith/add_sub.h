@@ -1,0 +1,108 @@
+// Linear-time kernels over limb spans in radix R: addition, subtraction and
+// multiplication by one machine word.  No allocation; the contracts say what
+// may alias.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "frame/radix.h"
+
+namespace tw::arith {
+
+// out[0..n) := a[0..n) + b[0..n) + carryIn; returns the carry (0 or 1).
+// out may equal a or b.
+template <class R>
+Limb addSameLength(Limb* out, const Limb* a, const Limb* b, std::size_t n, Limb carry = 0) {
+    for (std::size_t i = 0; i < n; ++i) {
+        Limb s = a[i] + b[i] + carry;
+        carry = s >= R::base;
+        out[i] = carry ? s - R::base : s;
+    }
+    return carry;
+}
+
+// out[0..n) := a[0..n) + carry; returns the carry out.  out may equal a.
+template <class R>
+Limb addCarry(Limb* out, const Limb* a, std::size_t n, Limb carry) {
+    std::size_t i = 0;
+    for (; carry && i < n; ++i) {
+        Limb s = a[i] + carry;
+        carry = s >= R::base;
+        out[i] = carry ? s - R::base : s;
+    }
+    if (out != a)
+        for (; i < n; ++i) out[i] = a[i];
+    return carry;
+}
+
+// out[0..an) := a[0..an) + b[0..bn), an >= bn; returns the carry.  out may equal a or b.
+template <class R>
+Limb addSpans(Limb* out, const Limb* a, std::size_t an, const Limb* b, std::size_t bn) {
+    const Limb carry = addSameLength<R>(out, a, b, bn);
+    return addCarry<R>(out + bn, a + bn, an - bn, carry);
+}
+
+// out[0..n) := a[0..n) - b[0..n) - borrow; returns the borrow.  out may equal a or b.
+template <class R>
+Limb subSameLength(Limb* out, const Limb* a, const Limb* b, std::size_t n, Limb borrow = 0) {
+    for (std::size_t i = 0; i < n; ++i) {
+        Limb d = a[i] - b[i] - borrow;
+        borrow = a[i] < b[i] + borrow;
+        out[i] = borrow ? d + R::base : d;
+    }
+    return borrow;
+}
+
+// out[0..n) := a[0..n) - borrow; returns the borrow out.  out may equal a.
+template <class R>
+Limb subBorrow(Limb* out, const Limb* a, std::size_t n, Limb borrow) {
+    std::size_t i = 0;
+    for (; borrow && i < n; ++i) {
+        borrow = a[i] == 0;
+        out[i] = borrow ? R::base - 1 : a[i] - 1;
+    }
+    if (out != a)
+        for (; i < n; ++i) out[i] = a[i];
+    return borrow;
+}
+
+// out[0..an) := a[0..an) - b[0..bn), an >= bn; returns the borrow (1 when b > a).
+template <class R>
+Limb subSpans(Limb* out, const Limb* a, std::size_t an, const Limb* b, std::size_t bn) {
+    const Limb borrow = subSameLength<R>(out, a, b, bn);
+    return subBorrow<R>(out + bn, a + bn, an - bn, borrow);
+}
+
+// out[0..n) := a[0..n) * m + carryIn; returns the carry out, which may exceed
+// one limb (below 2^32 * radix / radix = 2^32 + 1 limbs' worth: below 2^33).
+// out may equal a.
+template <class R>
+std::uint64_t mulByWord(Limb* out, const Limb* a, std::size_t n, std::uint32_t m, std::uint64_t carry = 0) {
+    for (std::size_t i = 0; i < n; ++i) {
+        const u128 t = u128(a[i]) * m + carry;
+        out[i] = Limb(t % R::base);
+        carry = std::uint64_t(t / R::base);
+    }
+    return carry;
+}
+
+// Writes a carry of any size as limbs at out; returns the number of limbs written.
+template <class R>
+std::size_t storeCarry(Limb* out, std::uint64_t carry) {
+    std::size_t n = 0;
+    for (; carry; ++n) {
+        out[n] = Limb(carry % R::base);
+        carry /= R::base;
+    }
+    return n;
+}
+
+// -1, 0, +1 comparing a[0..n) with b[0..n).
+inline int compareSameLength(const Limb* a, const Limb* b, std::size_t n) {
+    for (std::size_t i = n; i-- > 0;)
+        if (a[i] != b[i]) return a[i] < b[i] ? -1 : 1;
+    return 0;
+}
+
+}  // namespace tw::arith
