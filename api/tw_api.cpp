@@ -1,5 +1,6 @@
 // Exported library-wide functions of the TW_ family.
 #include "frame/error_state.h"
+#include "frame/stopwatch.h"
 #include "tarnwick.h"
 
 extern "C" {
@@ -12,5 +13,12 @@ TW_API void TW_CALL TW_setTerminate(uint32_t flag) {
     else
         tw::clearErrorState();
 }
+
+// ---- stopwatch ----
+TW_API void TW_CALL TW_enableTimer(uint32_t on) { tw::stopwatchEnable(on); }
+TW_API void TW_CALL TW_resetTimer(uint32_t value, int32_t unit) { tw::stopwatchReset(value, unit); }
+TW_API uint64_t TW_CALL TW_getTimer(int32_t unit) { return tw::stopwatchRead(unit); }
+TW_API const char *TW_CALL TW_getTimerStrA(int32_t format) { return tw::stopwatchTextA(format); }
+TW_API const tw_wchar *TW_CALL TW_getTimerStrW(int32_t format) { return tw::stopwatchTextW(format); }
 
 }  // extern "C"
