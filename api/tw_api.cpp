@@ -1,6 +1,8 @@
 // Exported library-wide functions of the TW_ family.
 #include "frame/error_state.h"
+#include "frame/random_generator.h"
 #include "frame/stopwatch.h"
+#include "frame/version.h"
 #include "tarnwick.h"
 
 extern "C" {
@@ -20,5 +22,11 @@ TW_API void TW_CALL TW_resetTimer(uint32_t value, int32_t unit) { tw::stopwatchR
 TW_API uint64_t TW_CALL TW_getTimer(int32_t unit) { return tw::stopwatchRead(unit); }
 TW_API const char *TW_CALL TW_getTimerStrA(int32_t format) { return tw::stopwatchTextA(format); }
 TW_API const tw_wchar *TW_CALL TW_getTimerStrW(int32_t format) { return tw::stopwatchTextW(format); }
+
+// ---- random seed, version, export table ----
+TW_API void TW_CALL TW_seedRandom(uint32_t seed) { tw::seedLibraryGenerator(seed); }
+TW_API const char *TW_CALL TW_getVerA(void) { return tw::versionTextA(); }
+TW_API const tw_wchar *TW_CALL TW_getVerW(void) { return tw::versionTextW(); }
+TW_API uint32_t TW_CALL TW_getExportFunNums(uint32_t mask) { return tw::exportedFunctionCount(mask); }
 
 }  // extern "C"
