@@ -1,31 +1,150 @@
+// The multiplication and squaring ladders: trimming of the operands and the
+// choice of the rung.  The rungs themselves live in mul_*.cpp / sqr_*.cpp.
 #include "arith/multiply.h"
 
 #include <algorithm>
+#include <utility>
 
-#include "arith/add_sub.h"
+#include "arith/mul_basecase.h"
+#include "arith/mul_ladder.h"
+#include "arith/mul_scratch.h"
+#include "arith/mul_span_ops.h"
+#include "arith/mul_transform.h"
+#include "arith/sqr_basecase.h"
+#include "arith/thresholds.h"
+#include "frame/error_state.h"
 
 namespace tw::arith {
 
-// Schoolbook product row by row; the ladder replaces it.
+namespace {
+
+// The smallest power of two >= n (n >= 1).
+std::size_t nextPowerOfTwo(std::size_t n) {
+    std::size_t p = 1;
+    while (p < n) p <<= 1;
+    return p;
+}
+
+// The rung for L[0..l) * S[0..s): l >= s >= 1, both spans with non-zero top
+// and bottom limbs.  Only s decides.
+template <class R>
+void mulSpans(Limb* out, const Limb* L, std::size_t l, const Limb* S, std::size_t s, LimbScratch& scratch) {
+    if (s == 1) {
+        mulByLimb<R>(out, L, l, S[0]);
+    } else if (s <= kMulBasecaseMax) {
+        mulBasecase<R>(out, L, l, S, s);
+    } else if (s <= kMulKaratsubaMax) {
+        mulKaratsuba<R>(out, L, l, S, s, scratch);
+    } else if (!kTransformRung || s < kMulTransformMin) {
+        mulToom3<R>(out, L, l, S, s, scratch);
+    } else if (transformAccepts(s)) {
+        transformProduct<R>(out, L, l, S, s);
+    } else if (2 * nextPowerOfTwo(s) > kTransformToomLength) {
+        // Too long for the transform: split until the pieces fit it.
+        mulToom3<R>(out, L, l, S, s, scratch);
+    } else {
+        mulKaratsuba<R>(out, L, l, S, s, scratch);
+    }
+}
+
+// The length the transform would use for a square of n limbs: the smallest
+// power of two or three times a power of two that is >= 2n.
+std::size_t squareTransformLength(std::size_t n) {
+    const std::size_t p = nextPowerOfTwo(2 * n);
+    return (p / 4) * 3 >= 2 * n ? (p / 4) * 3 : p;
+}
+
+// The squaring rung for a[0..n), a span with non-zero top and bottom limbs.
+template <class R>
+void sqrSpan(Limb* out, const Limb* a, std::size_t n, LimbScratch& scratch) {
+    if (n <= kSqrBasecaseMax) {
+        sqrBasecase<R>(out, a, n);
+    } else if (n <= kSqrKaratsubaMax) {
+        sqrKaratsuba<R>(out, a, n, scratch);
+    } else if (!kTransformRung || n < kSqrTransformMin) {
+        sqrToom3<R>(out, a, n, scratch);
+    } else {
+        const std::size_t length = squareTransformLength(n);
+        if (length <= kTransformMaxLength)
+            transformSquareOf<R>(out, a, n);
+        else if (length > kTransformToomLength)
+            sqrToom3<R>(out, a, n, scratch);
+        else
+            sqrKaratsuba<R>(out, a, n, scratch);
+    }
+}
+
+}  // namespace
+
+template <class R>
+void mulLadder(Limb* out, const Limb* a, std::size_t an, const Limb* b, std::size_t bn, LimbScratch& scratch) {
+    if (terminateRequested()) return;
+    const std::size_t total = an + bn;
+    an = trimmedLength(a, an);
+    bn = trimmedLength(b, bn);
+    if (an == 0 || bn == 0) {
+        zeroLimbs(out, total);
+        return;
+    }
+    // Zero limbs at the bottom are never multiplied: they only shift the product.
+    const std::size_t az = lowZeroLimbs(a), bz = lowZeroLimbs(b);
+    a += az;
+    an -= az;
+    b += bz;
+    bn -= bz;
+    const std::size_t shift = az + bz;
+    zeroLimbs(out, shift);
+    zeroLimbs(out + shift + an + bn, total - shift - an - bn);
+    if (an < bn) {
+        std::swap(a, b);
+        std::swap(an, bn);
+    }
+    mulSpans<R>(out + shift, a, an, b, bn, scratch);
+}
+
+template <class R>
+void sqrLadder(Limb* out, const Limb* a, std::size_t n, LimbScratch& scratch) {
+    if (terminateRequested()) return;
+    const std::size_t total = 2 * n;
+    n = trimmedLength(a, n);
+    if (n == 0) {
+        zeroLimbs(out, total);
+        return;
+    }
+    const std::size_t z = lowZeroLimbs(a);
+    a += z;
+    n -= z;
+    zeroLimbs(out, 2 * z);
+    zeroLimbs(out + 2 * z + 2 * n, total - 2 * z - 2 * n);
+    sqrSpan<R>(out + 2 * z, a, n, scratch);
+}
+
+std::size_t mulScratchEstimate(std::size_t longer, std::size_t shorter) {
+    // Below Karatsuba nothing is taken.  Above, the rungs that use scratch in
+    // proportion to the longer operand only see l <= 3s (else they cut L into
+    // pieces of s limbs), and each level needs a few times that, shrinking
+    // geometrically down the recursion.
+    if (shorter <= kMulBasecaseMax && longer <= kSqrBasecaseMax) return 0;
+    const std::size_t l = std::min(longer, 3 * shorter);
+    return 8 * (l + shorter) + 512;
+}
+
 template <class R>
 void multiply(Limb* out, const Limb* a, std::size_t an, const Limb* b, std::size_t bn) {
-    std::fill(out, out + an + bn, 0);
-    for (std::size_t j = 0; j < bn; ++j) {
-        std::uint64_t carry = 0;
-        for (std::size_t i = 0; i < an; ++i) {
-            const std::uint64_t t = std::uint64_t(a[i]) * b[j] + out[i + j] + carry;
-            out[i + j] = Limb(t % R::base);
-            carry = t / R::base;
-        }
-        out[an + j] = Limb(carry);
-    }
+    LimbScratch scratch(mulScratchEstimate(std::max(an, bn), std::min(an, bn)));
+    mulLadder<R>(out, a, an, b, bn, scratch);
 }
 
 template <class R>
 void square(Limb* out, const Limb* a, std::size_t n) {
-    multiply<R>(out, a, n, a, n);
+    LimbScratch scratch(mulScratchEstimate(n, n));
+    sqrLadder<R>(out, a, n, scratch);
 }
 
+template void mulLadder<DecimalRadix>(Limb*, const Limb*, std::size_t, const Limb*, std::size_t, LimbScratch&);
+template void mulLadder<BinaryRadix>(Limb*, const Limb*, std::size_t, const Limb*, std::size_t, LimbScratch&);
+template void sqrLadder<DecimalRadix>(Limb*, const Limb*, std::size_t, LimbScratch&);
+template void sqrLadder<BinaryRadix>(Limb*, const Limb*, std::size_t, LimbScratch&);
 template void multiply<DecimalRadix>(Limb*, const Limb*, std::size_t, const Limb*, std::size_t);
 template void multiply<BinaryRadix>(Limb*, const Limb*, std::size_t, const Limb*, std::size_t);
 template void square<DecimalRadix>(Limb*, const Limb*, std::size_t);

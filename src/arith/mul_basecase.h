@@ -1,0 +1,87 @@
+// Column-wise schoolbook product: the bottom rung of the ladder, and the
+// column accumulator it shares with the basecase square.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "arith/radix_traits.h"
+#include "frame/radix.h"
+
+namespace tw::arith {
+
+// Running state of a column-by-column product.  `acc` is the 64-bit sum of the
+// current column; what settle() takes out of it is owed, in limb units, to the
+// column two places up (`owedTwoUp`), and one column later that becomes
+// `owedNext`.
+template <class R>
+struct ColumnSum {
+    std::uint64_t acc = 0;
+    std::uint64_t owedNext = 0;
+    std::uint64_t owedTwoUp = 0;
+
+    // acc += x[0]*y[0] + x[1]*y[-1] + ... + x[count-1]*y[-(count-1)]: the
+    // products of one column, L read upwards and S downwards.
+    void add(const Limb* x, const Limb* y, std::size_t count) {
+        using T = MulTraits<R>;
+        if constexpr (T::kProductsPerSettle == 1) {
+            // Settle after every product; four at a time to keep the loop tight.
+            std::size_t t = 0;
+            for (; t + 4 <= count; t += 4) {
+                acc += std::uint64_t(x[t]) * y[-std::ptrdiff_t(t)];
+                T::settle(acc, owedTwoUp);
+                acc += std::uint64_t(x[t + 1]) * y[-std::ptrdiff_t(t + 1)];
+                T::settle(acc, owedTwoUp);
+                acc += std::uint64_t(x[t + 2]) * y[-std::ptrdiff_t(t + 2)];
+                T::settle(acc, owedTwoUp);
+                acc += std::uint64_t(x[t + 3]) * y[-std::ptrdiff_t(t + 3)];
+                T::settle(acc, owedTwoUp);
+            }
+            for (; t < count; ++t) {
+                acc += std::uint64_t(x[t]) * y[-std::ptrdiff_t(t)];
+                T::settle(acc, owedTwoUp);
+            }
+        } else {
+            // Whole blocks of products between settles.
+            while (count > 0) {
+                const std::size_t n = count < T::kProductsPerSettle ? count : T::kProductsPerSettle;
+                std::uint64_t block = 0;
+                for (std::size_t t = 0; t < n; ++t) block += std::uint64_t(x[t]) * y[-std::ptrdiff_t(t)];
+                acc += block;
+                T::settle(acc, owedTwoUp);
+                x += n;
+                y -= n;
+                count -= n;
+            }
+        }
+    }
+
+    // Ends the column: returns its limb and starts the next column with the
+    // carry and whatever was owed to it.
+    Limb finish() {
+        using T = MulTraits<R>;
+        const Limb limb = T::low(acc);
+        acc = T::high(acc) + owedNext;
+        owedNext = owedTwoUp;
+        owedTwoUp = 0;
+        return limb;
+    }
+};
+
+// out[0 .. l+s) := L[0..l) * S[0..s), l >= s >= 1, out overlapping neither.
+// Column c of the result sums L[i]*S[c-i] in one 64-bit accumulator (see
+// MulTraits for how it is kept from overflowing), so there is no carry
+// handling per product: l*s products and one division per column.
+template <class R>
+void mulBasecase(Limb* out, const Limb* L, std::size_t l, const Limb* S, std::size_t s) {
+    ColumnSum<R> col;
+    for (std::size_t c = 0; c + 1 < l + s; ++c) {
+        const std::size_t first = c < s ? 0 : c - s + 1;
+        const std::size_t last = c < l ? c : l - 1;
+        col.add(L + first, S + (c - first), last - first + 1);
+        out[c] = col.finish();
+    }
+    out[l + s - 1] = Limb(col.acc);
+}
+
+}  // namespace tw::arith

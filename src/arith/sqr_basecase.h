@@ -1,0 +1,41 @@
+// Basecase square: the bottom rung of the squaring ladder.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "arith/mul_basecase.h"
+#include "arith/radix_traits.h"
+#include "frame/radix.h"
+
+namespace tw::arith {
+
+// out[0 .. 2n) := a[0..n)^2, n >= 1, out not overlapping a.
+// Each cross product a[i]*a[j], i < j, is taken once: the columns of the
+// triangle are summed as in mulBasecase, then one pass doubles them and adds
+// the squares a[i]^2 on the diagonal.  About n^2/2 products.
+template <class R>
+void sqrBasecase(Limb* out, const Limb* a, std::size_t n) {
+    using T = MulTraits<R>;
+    ColumnSum<R> col;
+    out[0] = 0;
+    for (std::size_t c = 1; c < 2 * n; ++c) {
+        // Pairs i < c - i with both indices below n.
+        const std::size_t first = c < n ? 0 : c - n + 1;
+        const std::size_t last = (c - 1) / 2;
+        if (first <= last) col.add(a + first, a + (c - first), last - first + 1);
+        out[c] = col.finish();
+    }
+    std::uint64_t carry = 0;
+    for (std::size_t i = 0; i < n; ++i) {
+        const std::uint64_t sq = std::uint64_t(a[i]) * a[i];
+        std::uint64_t v = 2 * std::uint64_t(out[2 * i]) + T::low(sq) + carry;
+        out[2 * i] = T::low(v);
+        carry = T::high(v);
+        v = 2 * std::uint64_t(out[2 * i + 1]) + T::high(sq) + carry;
+        out[2 * i + 1] = T::low(v);
+        carry = T::high(v);
+    }
+}
+
+}  // namespace tw::arith
