@@ -1,0 +1,57 @@
+// Long quotients through a reciprocal: the quotient estimate, its single
+// correction, the block loop for dividends much longer than the divisor, and
+// the dispatcher that divide() and DivisorReciprocal share.
+#pragma once
+
+#include <cstddef>
+
+#include "frame/radix.h"
+
+namespace tw::arith {
+
+// Length of x[0..n) without its zero top limbs, at least 1.
+inline std::size_t significantLength(const Limb* x, std::size_t n) {
+    while (n > 1 && x[n - 1] == 0) --n;
+    return n;
+}
+
+// One block.  A = a[0..an), D = d[0..dn) with dn >= 2, d[dn-1] != 0,
+// an >= dn; v is a reciprocal of D (contract of reciprocal()) of precision
+// p >= an - dn + 1.  The caller knows A div D < radix^qn, qn <= an - dn + 1.
+// q[0..qn) := A div D, r[0..dn) := A mod D (r may be null); no output
+// overlaps an input.  Returns the correction applied to the estimate (-1, 0
+// or +1): the estimate is within one of the quotient, so one correction is
+// all there is.
+//
+// Cost: a product of (n+1) x (n+2) limbs (n = an - dn + 1) for the estimate
+// and one of (n+1) x dn for the check, then linear work.
+//
+// With V the reciprocal truncated to precision n, |V - Y| < 3 for
+// Y = radix^(dn+n) / D, and A = Ahi * radix^(dn-2) + Alo, the estimate is
+// floor(y) with y = Ahi * V / radix^(n+2), and x = A / D:
+//     x - y = A (Y - V) / radix^(dn+n) + Alo * V / radix^(dn+n).
+// A < radix^(dn+n-1) bounds the first term by 3/radix in size; Alo <
+// radix^(dn-2) and V <= radix^(n+1) + 3 put the second in [0, 2/radix).  So
+// |x - y| < 1 and floor(y) is floor(x) - 1, floor(x) or floor(x) + 1.
+template <class R>
+int divideByReciprocal(Limb* q, std::size_t qn, Limb* r, const Limb* a, std::size_t an,
+                       const Limb* d, std::size_t dn, const Limb* v, std::size_t p);
+
+// Dividends much longer than the divisor: q[0..an-dn+1) := A div D,
+// r[0..dn) := A mod D (r may be null), taking the quotient p - 1 limbs at a
+// time from the top with one reciprocal v of precision p >= 2; each block's
+// dividend is the previous remainder followed by the next p - 1 limbs of A.
+// Preconditions as divideByReciprocal, without the bound on an.  Cost:
+// (an - dn + 1) / (p - 1) blocks.  Tests the terminate flag between blocks.
+template <class R>
+void divideInBlocks(Limb* q, Limb* r, const Limb* a, std::size_t an,
+                    const Limb* d, std::size_t dn, const Limb* v, std::size_t p);
+
+// The contract of divide() (divide.h), plus an optional reciprocal: when v is
+// not null it is the reciprocal, of precision p, of b above its zero bottom
+// limbs; otherwise one is computed for this division if it needs one.
+template <class R>
+void divideMagnitude(Limb* q, Limb* r, const Limb* a, std::size_t an, const Limb* b, std::size_t bn,
+                     const Limb* v, std::size_t p);
+
+}  // namespace tw::arith

@@ -1,0 +1,67 @@
+// Shared checks of the division tests: run a kernel, compare with GMP, and
+// make sure nothing is written past the outputs.
+#pragma once
+
+#include <gmp.h>
+#include <gtest/gtest.h>
+
+#include "support/limb_oracle.h"
+
+namespace twtest {
+
+using Radices = ::testing::Types<tw::DecimalRadix, tw::BinaryRadix>;
+
+// Not a limb of either radix, so an output limb left at this value shows.
+inline constexpr Limb kSentinel = 0xFFFFFFFFu;
+
+template <class R>
+::testing::AssertionResult limbsInRange(const Limb* x, std::size_t n, const char* what) {
+    for (std::size_t i = 0; i < n; ++i)
+        if (x[i] >= R::base) return ::testing::AssertionFailure() << what << " limb " << i << " is " << x[i];
+    return ::testing::AssertionSuccess();
+}
+
+// q[0..qn) and r[0..rn) (r may be null) hold a div b and a mod b, and the
+// limb after each still holds kSentinel.
+template <class R>
+::testing::AssertionResult matchesGmp(const Limbs& a, const Limbs& b, const Limb* q, std::size_t qn, const Limb* r) {
+    const std::size_t rn = b.size();
+    if (q[qn] != kSentinel) return ::testing::AssertionFailure() << "write past the quotient";
+    if (r && r[rn] != kSentinel) return ::testing::AssertionFailure() << "write past the remainder";
+    if (auto ok = limbsInRange<R>(q, qn, "quotient"); !ok) return ok;
+    if (r)
+        if (auto ok = limbsInRange<R>(r, rn, "remainder"); !ok) return ok;
+    const Mpz av = toMpz<R>(a), bv = toMpz<R>(b);
+    Mpz eq, er, gq, gr;
+    mpz_tdiv_qr(eq, er, av, bv);
+    limbsToMpz<R>(gq.v, q, qn);
+    if (mpz_cmp(gq, eq) != 0)
+        return ::testing::AssertionFailure() << "quotient of " << a.size() << " by " << b.size() << " limbs: got "
+                                             << gq.str(16) << " want " << eq.str(16);
+    if (r) {
+        limbsToMpz<R>(gr.v, r, rn);
+        if (mpz_cmp(gr, er) != 0)
+            return ::testing::AssertionFailure() << "remainder of " << a.size() << " by " << b.size()
+                                                 << " limbs: got " << gr.str(16) << " want " << er.str(16);
+    }
+    return ::testing::AssertionSuccess();
+}
+
+// Limbs of v, padded with zero limbs to at least n.
+template <class R>
+Limbs limbsOf(mpz_srcptr v, std::size_t n = 1) {
+    Limbs x = mpzToLimbs<R>(v);
+    if (x.size() < n) x.resize(n, 0);
+    return x;
+}
+
+// The limbs of q * b + delta (delta >= -q * b).
+template <class R>
+Limbs multiplePlus(const Limbs& q, const Limbs& b, mpz_srcptr delta) {
+    Mpz v;
+    mpz_mul(v, toMpz<R>(q), toMpz<R>(b));
+    mpz_add(v, v, delta);
+    return limbsOf<R>(v);
+}
+
+}  // namespace twtest
