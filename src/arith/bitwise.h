@@ -1,0 +1,136 @@
+// Bitwise AND, OR and XOR of integers in sign-magnitude: the magnitudes are
+// combined as binary numbers, the signs by their own rule.  Not two's
+// complement: (-6) AND 3 is 2, (-6) OR 3 is -7, (-6) XOR (-3) is 5.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <vector>
+
+#include "binary/convert_basic.h"
+#include "frame/radix.h"
+#include "frame/signed_number.h"
+
+namespace tw::arith {
+
+enum class BitOp { And, Or, Xor };
+
+template <BitOp Op>
+constexpr Limb combineLimbs(Limb a, Limb b) {
+    if constexpr (Op == BitOp::And)
+        return a & b;
+    else if constexpr (Op == BitOp::Or)
+        return a | b;
+    else
+        return a ^ b;
+}
+
+// Limbs in the result of combining spans of an and bn limbs: AND stops with
+// the shorter span, OR and XOR keep the longer one's extra limbs.
+template <BitOp Op>
+constexpr std::size_t combinedLength(std::size_t an, std::size_t bn) {
+    return Op == BitOp::And ? std::min(an, bn) : std::max(an, bn);
+}
+
+// out[0..combinedLength(an, bn)) := a[0..an) op b[0..bn), limb by limb, in a
+// power-of-two radix (where limbs are bit fields).  out may equal a or b.
+// Zero limbs at the top are not removed.  Linear.
+template <BitOp Op, class R>
+void combineSpans(Limb* out, const Limb* a, std::size_t an, const Limb* b, std::size_t bn) {
+    static_assert(R::isBinary, "limbs are bit fields only in a power-of-two radix");
+    const std::size_t common = std::min(an, bn);
+    for (std::size_t i = 0; i < common; ++i) out[i] = combineLimbs<Op>(a[i], b[i]);
+    if constexpr (Op != BitOp::And) {
+        // x OR 0 = x XOR 0 = x on the longer span's extra limbs.
+        const Limb* rest = an > bn ? a : b;
+        if (out != rest) std::copy(rest + common, rest + std::max(an, bn), out + common);
+    }
+}
+
+// The sign of x op y from the two signs; zero counts as non-negative.
+template <BitOp Op>
+constexpr std::int32_t combinedSign(std::int32_t x, std::int32_t y) {
+    const bool xNegative = x < 0, yNegative = y < 0;
+    bool negative;
+    if constexpr (Op == BitOp::And)
+        negative = xNegative && yNegative;
+    else if constexpr (Op == BitOp::Or)
+        negative = xNegative || yNegative;
+    else
+        negative = xNegative != yNegative;
+    return negative ? -1 : 1;
+}
+
+// |x| := |x| op b[0..bn) with x in radix 2^28 and b in the same radix.
+template <BitOp Op>
+void combineMagnitudeInPlace(NumberRecord& x, const Limb* b, std::size_t bn) {
+    const std::size_t an = x.usedLimbs();
+    const std::size_t n = combinedLength<Op>(an, bn);
+    if (n > an) resizeStorage(x, std::uint32_t(n), false);
+    if (x.allocated() < n) return;  // storage exhausted: -3 recorded, x is zero
+    combineSpans<Op, BinaryRadix>(x.digits, x.digits, an, b, bn);
+    std::fill(x.digits + n, x.digits + std::max(an, n), Limb(0));  // AND drops x's extra limbs
+    normalizeIndices(x, std::uint32_t(std::max(an, n)));
+}
+
+// x := x op y for numbers of one radix.  A decimal magnitude passes through
+// radix 2^28 (convertLimbsBasic) both ways.  y may be x itself.
+template <BitOp Op, class R>
+void bitwiseInPlace(SignedNumber<R>& x, const SignedNumber<R>& y) {
+    NumberRecord& rx = x.rec();
+    dropTextBuffers(rx);
+    const std::int32_t sign = combinedSign<Op>(x.sign, y.sign);
+    if (&x == &y) {
+        // x AND x = x OR x = x; x XOR x = 0.
+        if constexpr (Op == BitOp::Xor) x.setZero();
+        x.normalizeSign();
+        return;
+    }
+    if (y.isZero()) {
+        // x OR 0 = x XOR 0 = x, the sign included; x AND 0 = 0.
+        if constexpr (Op == BitOp::And) x.setZero();
+        x.normalizeSign();
+        return;
+    }
+    const NumberRecord& ry = y.rec();
+    if constexpr (R::isBinary) {
+        combineMagnitudeInPlace<Op>(rx, ry.digits, ry.usedLimbs());
+    } else {
+        std::vector<Limb> bx = convertLimbsBasic<R, BinaryRadix>(rx.digits, rx.usedLimbs());
+        const std::vector<Limb> by = convertLimbsBasic<R, BinaryRadix>(ry.digits, ry.usedLimbs());
+        const std::size_t n = combinedLength<Op>(bx.size(), by.size());
+        bx.resize(std::max(bx.size(), n));
+        combineSpans<Op, BinaryRadix>(bx.data(), bx.data(), bx.size(), by.data(), by.size());
+        const std::vector<Limb> back = convertLimbsBasic<BinaryRadix, R>(bx.data(), n);
+        resizeStorage(rx, std::uint32_t(back.size()), true);
+        if (rx.allocated() >= back.size()) {
+            std::copy(back.begin(), back.end(), rx.digits);
+            normalizeIndices(rx, std::uint32_t(back.size()));
+        }
+    }
+    x.sign = sign;
+    x.normalizeSign();
+}
+
+// r := a op b with the call frame's aliasing: equal operands need no
+// combining (a copy of a, or zero for XOR); a result equal to an operand
+// works in place (op is commutative); otherwise r starts as a copy of a.
+template <BitOp Op, class R>
+void bitwise(SignedNumber<R>& r, const SignedNumber<R>& a, const SignedNumber<R>& b) {
+    if (&a == &b) {
+        if constexpr (Op == BitOp::Xor) {
+            r.setZero();
+        } else if (&r != &a) {
+            r = a;
+        }
+        return;
+    }
+    if (&r == &b) {
+        bitwiseInPlace<Op>(r, a);
+        return;
+    }
+    if (&r != &a) r = a;
+    bitwiseInPlace<Op>(r, b);
+}
+
+}  // namespace tw::arith
