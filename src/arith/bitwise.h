@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "binary/convert_basic.h"
+#include "frame/error_state.h"
 #include "frame/radix.h"
 #include "frame/signed_number.h"
 
@@ -74,7 +75,8 @@ void combineMagnitudeInPlace(NumberRecord& x, const Limb* b, std::size_t bn) {
 }
 
 // x := x op y for numbers of one radix.  A decimal magnitude passes through
-// radix 2^28 (convertLimbsBasic) both ways.  y may be x itself.
+// radix 2^28 (convertLimbsBasic) both ways.  y may be x itself.  Under a
+// raised terminate flag, operands that need combining give zero.
 template <BitOp Op, class R>
 void bitwiseInPlace(SignedNumber<R>& x, const SignedNumber<R>& y) {
     NumberRecord& rx = x.rec();
@@ -90,6 +92,10 @@ void bitwiseInPlace(SignedNumber<R>& x, const SignedNumber<R>& y) {
         // x OR 0 = x XOR 0 = x, the sign included; x AND 0 = 0.
         if constexpr (Op == BitOp::And) x.setZero();
         x.normalizeSign();
+        return;
+    }
+    if (terminateRequested()) {  // a long operation under a raised flag yields zero
+        x.setZero();
         return;
     }
     const NumberRecord& ry = y.rec();
