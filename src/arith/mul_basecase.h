@@ -71,9 +71,9 @@ struct ColumnSum {
 // out[0 .. l+s) := L[0..l) * S[0..s), l >= s >= 1, out overlapping neither.
 // Column c of the result sums L[i]*S[c-i] in one 64-bit accumulator (see
 // MulTraits for how it is kept from overflowing), so there is no carry
-// handling per product: l*s products and one division per column.
+// handling per product: l*s products and one division per column.  Portable.
 template <class R>
-void mulBasecase(Limb* out, const Limb* L, std::size_t l, const Limb* S, std::size_t s) {
+void mulBasecaseColumns(Limb* out, const Limb* L, std::size_t l, const Limb* S, std::size_t s) {
     ColumnSum<R> col;
     for (std::size_t c = 0; c + 1 < l + s; ++c) {
         const std::size_t first = c < s ? 0 : c - s + 1;
@@ -82,6 +82,27 @@ void mulBasecase(Limb* out, const Limb* L, std::size_t l, const Limb* S, std::si
         out[c] = col.finish();
     }
     out[l + s - 1] = Limb(col.acc);
+}
+
+// The longest shorter operand (and square) the vector kernels take.
+inline constexpr std::size_t kLaneKernelMax = 128;
+
+// Whether this processor runs the vector kernels (x86-64 with AVX2).
+bool laneKernelsAvailable();
+
+// mulBasecaseColumns summed four columns at a time in vector lanes, with the
+// same settling rule per lane: same contract, s <= kLaneKernelMax, and only
+// where laneKernelsAvailable() (elsewhere it is mulBasecaseColumns).
+template <class R>
+void mulBasecaseLanes(Limb* out, const Limb* L, std::size_t l, const Limb* S, std::size_t s);
+
+// The basecase rung: the vector kernel where the processor has it.
+template <class R>
+void mulBasecase(Limb* out, const Limb* L, std::size_t l, const Limb* S, std::size_t s) {
+    if (s <= kLaneKernelMax && laneKernelsAvailable())
+        mulBasecaseLanes<R>(out, L, l, S, s);
+    else
+        mulBasecaseColumns<R>(out, L, l, S, s);
 }
 
 }  // namespace tw::arith

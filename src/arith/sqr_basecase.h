@@ -1,4 +1,7 @@
-// Basecase square: the bottom rung of the squaring ladder.
+// Basecase square: the bottom rung of the squaring ladder.  Each cross
+// product a[i]*a[j], i < j, is taken once: the columns of that triangle are
+// summed as in the basecase product, then one pass doubles them and adds the
+// squares a[i]^2 on the diagonal.  About n^2/2 products.
 #pragma once
 
 #include <cstddef>
@@ -10,13 +13,10 @@
 
 namespace tw::arith {
 
-// out[0 .. 2n) := a[0..n)^2, n >= 1, out not overlapping a.
-// Each cross product a[i]*a[j], i < j, is taken once: the columns of the
-// triangle are summed as in mulBasecase, then one pass doubles them and adds
-// the squares a[i]^2 on the diagonal.  About n^2/2 products.
+// out[0 .. 2n) := sum of a[i]*a[j] * B^(i+j) over i < j, n >= 1, out not
+// overlapping a.  Portable.
 template <class R>
-void sqrBasecase(Limb* out, const Limb* a, std::size_t n) {
-    using T = MulTraits<R>;
+void sqrTriangleColumns(Limb* out, const Limb* a, std::size_t n) {
     ColumnSum<R> col;
     out[0] = 0;
     for (std::size_t c = 1; c < 2 * n; ++c) {
@@ -26,6 +26,18 @@ void sqrBasecase(Limb* out, const Limb* a, std::size_t n) {
         if (first <= last) col.add(a + first, a + (c - first), last - first + 1);
         out[c] = col.finish();
     }
+}
+
+// sqrTriangleColumns four columns at a time in vector lanes: same contract,
+// n <= kLaneKernelMax, only where laneKernelsAvailable().
+template <class R>
+void sqrTriangleLanes(Limb* out, const Limb* a, std::size_t n);
+
+// out[0..2n) := 2 * out + sum of a[i]^2 * B^(2i): turns the triangle into the
+// square.  Linear.
+template <class R>
+void addDoubledDiagonal(Limb* out, const Limb* a, std::size_t n) {
+    using T = MulTraits<R>;
     std::uint64_t carry = 0;
     for (std::size_t i = 0; i < n; ++i) {
         const std::uint64_t sq = std::uint64_t(a[i]) * a[i];
@@ -36,6 +48,16 @@ void sqrBasecase(Limb* out, const Limb* a, std::size_t n) {
         out[2 * i + 1] = T::low(v);
         carry = T::high(v);
     }
+}
+
+// out[0 .. 2n) := a[0..n)^2, n >= 1, out not overlapping a.
+template <class R>
+void sqrBasecase(Limb* out, const Limb* a, std::size_t n) {
+    if (n <= kLaneKernelMax && laneKernelsAvailable())
+        sqrTriangleLanes<R>(out, a, n);
+    else
+        sqrTriangleColumns<R>(out, a, n);
+    addDoubledDiagonal<R>(out, a, n);
 }
 
 }  // namespace tw::arith

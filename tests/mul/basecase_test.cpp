@@ -2,6 +2,9 @@
 // product and the basecase square, including their fullest columns.
 #include <gtest/gtest.h>
 
+#include <utility>
+#include <vector>
+
 #include "arith/mul_basecase.h"
 #include "arith/mul_span_ops.h"
 #include "arith/sqr_basecase.h"
@@ -16,16 +19,52 @@ template <class R>
 class Basecase : public ::testing::Test {};
 TYPED_TEST_SUITE(Basecase, Radices);
 
+// Both forms of each basecase kernel: the portable column sums and the
+// vector lanes (where this processor has them), plus the dispatching rung.
 template <class R>
-Limbs basecaseProduct(const Limbs& L, const Limbs& S) {
-    return runKernel(L.size() + S.size(), [&](Limb* out) {
-        tw::arith::mulBasecase<R>(out, L.data(), L.size(), S.data(), S.size());
-    });
+using ProductKernel = void (*)(Limb*, const Limb*, std::size_t, const Limb*, std::size_t);
+template <class R>
+using TriangleKernel = void (*)(Limb*, const Limb*, std::size_t);
+
+template <class R>
+std::vector<std::pair<const char*, ProductKernel<R>>> productKernels() {
+    std::vector<std::pair<const char*, ProductKernel<R>>> k = {{"columns", tw::arith::mulBasecaseColumns<R>},
+                                                               {"rung", tw::arith::mulBasecase<R>}};
+    if (tw::arith::laneKernelsAvailable()) k.push_back({"lanes", tw::arith::mulBasecaseLanes<R>});
+    return k;
 }
 
 template <class R>
-Limbs basecaseSquare(const Limbs& a) {
-    return runKernel(2 * a.size(), [&](Limb* out) { tw::arith::sqrBasecase<R>(out, a.data(), a.size()); });
+std::vector<std::pair<const char*, TriangleKernel<R>>> squareKernels() {
+    std::vector<std::pair<const char*, TriangleKernel<R>>> k = {{"rung", tw::arith::sqrBasecase<R>}};
+    k.push_back({"columns", [](Limb* out, const Limb* a, std::size_t n) {
+                     tw::arith::sqrTriangleColumns<R>(out, a, n);
+                     tw::arith::addDoubledDiagonal<R>(out, a, n);
+                 }});
+    if (tw::arith::laneKernelsAvailable())
+        k.push_back({"lanes", [](Limb* out, const Limb* a, std::size_t n) {
+                         tw::arith::sqrTriangleLanes<R>(out, a, n);
+                         tw::arith::addDoubledDiagonal<R>(out, a, n);
+                     }});
+    return k;
+}
+
+template <class R>
+void expectBasecaseProduct(const Limbs& L, const Limbs& S) {
+    for (const auto& [name, kernel] : productKernels<R>()) {
+        const Limbs got = runKernel(L.size() + S.size(), [&](Limb* out) {
+            kernel(out, L.data(), L.size(), S.data(), S.size());
+        });
+        EXPECT_TRUE(isProduct<R>(got, L, S)) << name;
+    }
+}
+
+template <class R>
+void expectBasecaseSquare(const Limbs& a) {
+    for (const auto& [name, kernel] : squareKernels<R>()) {
+        const Limbs got = runKernel(2 * a.size(), [&](Limb* out) { kernel(out, a.data(), a.size()); });
+        EXPECT_TRUE(isProduct<R>(got, a, a)) << name;
+    }
 }
 
 TYPED_TEST(Basecase, RowTimesOneLimb) {
@@ -47,26 +86,19 @@ TYPED_TEST(Basecase, ProductOfEveryShapeMatchesSchoolbook) {
     using R = TypeParam;
     LimbGenerator gen(12);
     const std::pair<std::size_t, std::size_t> shapes[] = {
-        {1, 1}, {2, 1}, {2, 2}, {3, 2}, {5, 5}, {17, 4}, {33, 32}, {63, 63}, {64, 63}, {64, 64}, {65, 64}, {700, 64}, {700, 2}};
+        {1, 1}, {2, 1}, {2, 2}, {3, 2}, {4, 4}, {5, 5}, {17, 4}, {18, 18}, {33, 32}, {63, 63}, {64, 63},
+        {64, 64}, {65, 64}, {700, 64}, {700, 2}, {128, 128}, {300, 127}};
     for (const auto& [l, s] : shapes)
-        for (int rep = 0; rep < 4; ++rep) {
-            const Limbs L = gen.limbs<R>(l), S = gen.limbs<R>(s);
-            EXPECT_TRUE(isProduct<R>(basecaseProduct<R>(L, S), L, S));
-        }
+        for (int rep = 0; rep < 4; ++rep) expectBasecaseProduct<R>(gen.limbs<R>(l), gen.limbs<R>(s));
 }
 
 // 64 maximal limbs times 64: the middle columns sum 64 products just below
 // radix^2, far past what a 64-bit accumulator holds without settling.
 TYPED_TEST(Basecase, FullestColumnsAreExact) {
     using R = TypeParam;
-    for (const auto& [l, s] : {std::pair<std::size_t, std::size_t>{64, 64}, {64, 20}, {1000, 64}}) {
-        const Limbs L = LimbGenerator::maxLimbs<R>(l), S = LimbGenerator::maxLimbs<R>(s);
-        EXPECT_TRUE(isProduct<R>(basecaseProduct<R>(L, S), L, S));
-    }
-    for (const std::size_t n : {2u, 64u, 127u, 128u}) {
-        const Limbs a = LimbGenerator::maxLimbs<R>(n);
-        EXPECT_TRUE(isProduct<R>(basecaseSquare<R>(a), a, a));
-    }
+    for (const auto& [l, s] : {std::pair<std::size_t, std::size_t>{64, 64}, {64, 20}, {1000, 64}, {128, 128}})
+        expectBasecaseProduct<R>(LimbGenerator::maxLimbs<R>(l), LimbGenerator::maxLimbs<R>(s));
+    for (const std::size_t n : {2u, 36u, 64u, 127u, 128u}) expectBasecaseSquare<R>(LimbGenerator::maxLimbs<R>(n));
 }
 
 // Whatever the accumulator hands on to later columns, the value it stands for
@@ -94,11 +126,8 @@ TYPED_TEST(Basecase, ColumnSumKeepsItsValueWhenSettling) {
 TYPED_TEST(Basecase, SquareMatchesSchoolbook) {
     using R = TypeParam;
     LimbGenerator gen(13);
-    for (const std::size_t n : {1u, 2u, 3u, 4u, 31u, 64u, 65u, 127u, 128u})
-        for (int rep = 0; rep < 4; ++rep) {
-            const Limbs a = gen.limbs<R>(n);
-            EXPECT_TRUE(isProduct<R>(basecaseSquare<R>(a), a, a));
-        }
+    for (const std::size_t n : {1u, 2u, 3u, 4u, 5u, 6u, 7u, 31u, 64u, 65u, 127u, 128u})
+        for (int rep = 0; rep < 4; ++rep) expectBasecaseSquare<R>(gen.limbs<R>(n));
 }
 
 }  // namespace
