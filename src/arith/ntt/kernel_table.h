@@ -1,0 +1,43 @@
+// The transform kernels of one code path (portable, AVX2, AVX-512), as a table
+// of plain functions so that the driver picks a path once at run time.  Every
+// path computes the same values; only the order of a transform's output and
+// the speed differ.  All functions need plan lengths whose block length M is at
+// least 2 * lanes (transform_dispatch.h falls back to the portable path below).
+#pragma once
+
+#include <cstddef>
+
+#include "arith/ntt/crt_constants.h"
+#include "arith/ntt/prime_field.h"
+#include "arith/ntt/transform_plan.h"
+#include "frame/radix.h"
+
+namespace tw::arith::ntt {
+
+struct TransformKernels {
+    std::size_t lanes;
+    // x[0..N) := transform of x (residues in [0, p)).  O(N log N).
+    void (*forward)(Limb* x, const TransformPlan& plan);
+    // x[0..N) := N * (inverse transform of x): undoes forward up to the factor N.
+    void (*inverse)(Limb* x, const TransformPlan& plan);
+    // x[0..N) := N * 2^-32 * (cyclic convolution of x with y), y the forward
+    // transform of the other factor.  Forward, pointwise Montgomery product and
+    // inverse run block by block while a block is in cache.
+    void (*convolve)(Limb* x, const Limb* y, const TransformPlan& plan);
+    // x[0..N) := N * 2^-32 * (cyclic convolution of x with itself).
+    void (*squareConvolve)(Limb* x, const TransformPlan& plan);
+    // Roots (and Shoup companions) of the levels kLeafLength <= h < M in level
+    // layout, of w_2h^j or, when inverse, w_2h^-j; M - kLeafLength words each.
+    void (*buildTopRoots)(Limb* roots, Limb* companions, std::size_t blockLength, const PrimeConstants& prime,
+                          bool inverse);
+    // Garner digits x0, t1, t2 of count residue triples (crt_constants.h);
+    // count a multiple of lanes.
+    void (*garner)(Limb* x0, Limb* t1, Limb* t2, const Limb* r0, const Limb* r1, const Limb* r2, std::size_t count,
+                   const GarnerConstants& g);
+};
+
+const TransformKernels& scalarKernels();
+const TransformKernels& avx2Kernels();
+const TransformKernels& avx512Kernels();
+
+}  // namespace tw::arith::ntt

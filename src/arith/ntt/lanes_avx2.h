@@ -1,0 +1,81 @@
+// Eight 32-bit lanes in an AVX2 register.  Include only in a translation unit
+// compiled for AVX2 (transform_avx2.cpp sets the target before including it).
+//
+// split<H> / merge<H> (H < 8) serve the butterfly levels whose span lies inside
+// one register: split gathers, from two registers, the lanes whose index has
+// bit H clear into the first and their partners (bit H set) into the second,
+// partner beside partner; merge undoes it.  Applied to the output of the
+// previous split, the partners of the next level are again H/2 lanes apart in
+// the same register, so the levels chain without merging in between.
+#pragma once
+
+#include <immintrin.h>
+
+#include <cstddef>
+#include <cstdint>
+
+#include "frame/radix.h"
+
+namespace tw::arith::ntt {
+
+struct Avx2Lanes {
+    using Reg = __m256i;
+    static constexpr std::size_t lanes = 8;
+
+    static Reg load(const Limb* p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)); }
+    static void store(Limb* p, Reg v) { _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), v); }
+    static Reg broadcast(std::uint32_t v) { return _mm256_set1_epi32(int(v)); }
+    static Reg add(Reg a, Reg b) { return _mm256_add_epi32(a, b); }
+    static Reg sub(Reg a, Reg b) { return _mm256_sub_epi32(a, b); }
+    static Reg minu(Reg a, Reg b) { return _mm256_min_epu32(a, b); }
+    static Reg mullo(Reg a, Reg b) { return _mm256_mullo_epi32(a, b); }
+    static Reg mulhi(Reg a, Reg b) {
+        const Reg even = _mm256_mul_epu32(a, b);
+        const Reg odd = _mm256_mul_epu32(_mm256_srli_epi64(a, 32), _mm256_srli_epi64(b, 32));
+        return _mm256_blend_epi32(_mm256_srli_epi64(even, 32), odd, 0xAA);
+    }
+    static void mulWide(Reg a, Reg b, Reg& hi, Reg& lo) {
+        const Reg even = _mm256_mul_epu32(a, b);
+        const Reg odd = _mm256_mul_epu32(_mm256_srli_epi64(a, 32), _mm256_srli_epi64(b, 32));
+        hi = _mm256_blend_epi32(_mm256_srli_epi64(even, 32), odd, 0xAA);
+        lo = _mm256_blend_epi32(even, _mm256_slli_epi64(odd, 32), 0xAA);
+    }
+
+    template <std::size_t H>
+    static void split(Reg& a, Reg& b) {
+        Reg p, q;
+        if constexpr (H == 4) {
+            p = _mm256_permute2x128_si256(a, b, 0x20);
+            q = _mm256_permute2x128_si256(a, b, 0x31);
+        } else if constexpr (H == 2) {
+            p = _mm256_unpacklo_epi64(a, b);
+            q = _mm256_unpackhi_epi64(a, b);
+        } else {
+            static_assert(H == 1);
+            const __m256 fa = _mm256_castsi256_ps(a), fb = _mm256_castsi256_ps(b);
+            p = _mm256_castps_si256(_mm256_shuffle_ps(fa, fb, _MM_SHUFFLE(2, 0, 2, 0)));
+            q = _mm256_castps_si256(_mm256_shuffle_ps(fa, fb, _MM_SHUFFLE(3, 1, 3, 1)));
+        }
+        a = p;
+        b = q;
+    }
+    template <std::size_t H>
+    static void merge(Reg& p, Reg& q) {
+        Reg a, b;
+        if constexpr (H == 4) {
+            a = _mm256_permute2x128_si256(p, q, 0x20);
+            b = _mm256_permute2x128_si256(p, q, 0x31);
+        } else if constexpr (H == 2) {
+            a = _mm256_unpacklo_epi64(p, q);
+            b = _mm256_unpackhi_epi64(p, q);
+        } else {
+            static_assert(H == 1);
+            a = _mm256_unpacklo_epi32(p, q);
+            b = _mm256_unpackhi_epi32(p, q);
+        }
+        p = a;
+        q = b;
+    }
+};
+
+}  // namespace tw::arith::ntt

@@ -1,0 +1,82 @@
+// Sixteen 32-bit lanes in an AVX-512 register.  Include only in a translation
+// unit compiled for AVX-512F (transform_avx512.cpp sets the target first).
+// split<H> / merge<H> as in lanes_avx2.h, for spans H < 16.
+#pragma once
+
+#include <immintrin.h>
+
+#include <cstddef>
+#include <cstdint>
+
+#include "frame/radix.h"
+
+namespace tw::arith::ntt {
+
+struct Avx512Lanes {
+    using Reg = __m512i;
+    static constexpr std::size_t lanes = 16;
+
+    static Reg load(const Limb* p) { return _mm512_loadu_si512(p); }
+    static void store(Limb* p, Reg v) { _mm512_storeu_si512(p, v); }
+    static Reg broadcast(std::uint32_t v) { return _mm512_set1_epi32(int(v)); }
+    static Reg add(Reg a, Reg b) { return _mm512_add_epi32(a, b); }
+    static Reg sub(Reg a, Reg b) { return _mm512_sub_epi32(a, b); }
+    static Reg minu(Reg a, Reg b) { return _mm512_min_epu32(a, b); }
+    static Reg mullo(Reg a, Reg b) { return _mm512_mullo_epi32(a, b); }
+    static Reg mulhi(Reg a, Reg b) {
+        const Reg even = _mm512_mul_epu32(a, b);
+        const Reg odd = _mm512_mul_epu32(_mm512_srli_epi64(a, 32), _mm512_srli_epi64(b, 32));
+        return _mm512_mask_blend_epi32(0xAAAA, _mm512_srli_epi64(even, 32), odd);
+    }
+    static void mulWide(Reg a, Reg b, Reg& hi, Reg& lo) {
+        const Reg even = _mm512_mul_epu32(a, b);
+        const Reg odd = _mm512_mul_epu32(_mm512_srli_epi64(a, 32), _mm512_srli_epi64(b, 32));
+        hi = _mm512_mask_blend_epi32(0xAAAA, _mm512_srli_epi64(even, 32), odd);
+        lo = _mm512_mask_blend_epi32(0xAAAA, even, _mm512_slli_epi64(odd, 32));
+    }
+
+    template <std::size_t H>
+    static void split(Reg& a, Reg& b) {
+        Reg p, q;
+        if constexpr (H == 8) {
+            p = _mm512_shuffle_i64x2(a, b, 0x44);  // 128-bit quarters 0,1 of a, then of b
+            q = _mm512_shuffle_i64x2(a, b, 0xEE);  // quarters 2,3
+        } else if constexpr (H == 4) {
+            p = _mm512_shuffle_i64x2(a, b, 0x88);  // quarters 0,2
+            q = _mm512_shuffle_i64x2(a, b, 0xDD);  // quarters 1,3
+        } else if constexpr (H == 2) {
+            p = _mm512_unpacklo_epi64(a, b);
+            q = _mm512_unpackhi_epi64(a, b);
+        } else {
+            static_assert(H == 1);
+            const __m512 fa = _mm512_castsi512_ps(a), fb = _mm512_castsi512_ps(b);
+            p = _mm512_castps_si512(_mm512_shuffle_ps(fa, fb, _MM_SHUFFLE(2, 0, 2, 0)));
+            q = _mm512_castps_si512(_mm512_shuffle_ps(fa, fb, _MM_SHUFFLE(3, 1, 3, 1)));
+        }
+        a = p;
+        b = q;
+    }
+    template <std::size_t H>
+    static void merge(Reg& p, Reg& q) {
+        Reg a, b;
+        if constexpr (H == 8) {
+            a = _mm512_shuffle_i64x2(p, q, 0x44);
+            b = _mm512_shuffle_i64x2(p, q, 0xEE);
+        } else if constexpr (H == 4) {
+            // a = quarters p0 q0 p1 q1, b = p2 q2 p3 q3 (in 64-bit elements).
+            a = _mm512_permutex2var_epi64(p, _mm512_setr_epi64(0, 1, 8, 9, 2, 3, 10, 11), q);
+            b = _mm512_permutex2var_epi64(p, _mm512_setr_epi64(4, 5, 12, 13, 6, 7, 14, 15), q);
+        } else if constexpr (H == 2) {
+            a = _mm512_unpacklo_epi64(p, q);
+            b = _mm512_unpackhi_epi64(p, q);
+        } else {
+            static_assert(H == 1);
+            a = _mm512_unpacklo_epi32(p, q);
+            b = _mm512_unpackhi_epi32(p, q);
+        }
+        p = a;
+        q = b;
+    }
+};
+
+}  // namespace tw::arith::ntt

@@ -1,0 +1,105 @@
+// Arithmetic modulo one transform prime, scalar and compile-time: the three
+// primes of the transform product, their primitive roots, and the constants of
+// the Montgomery and Shoup products.  The vector kernels use the same
+// products lane by lane (modular_lanes.h); this header builds their tables.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "frame/radix.h"
+
+namespace tw::arith::ntt {
+
+// A prime p = c * 2^k + 1 below 2^31 and a generator of its multiplicative group.
+// Every p - 1 is divisible by 3 * 2^25, so every transform length 2^j or 3 * 2^j
+// up to 3 * 2^25 has its roots of unity in all three fields.
+struct TransformPrime {
+    std::uint32_t p;
+    std::uint32_t primitiveRoot;
+};
+
+inline constexpr std::size_t kPrimeCount = 3;
+inline constexpr TransformPrime kTransformPrimes[kPrimeCount] = {
+    {0x42000001u, 31},  // 33 * 2^25 + 1
+    {0x66000001u, 29},  // 51 * 2^25 + 1
+    {0x6C000001u, 13},  // 27 * 2^26 + 1
+};
+
+// Below 2^31, so 2p < 2^32: a sum of two residues, a difference shifted by p and
+// a Shoup product before its last correction all fit one 32-bit word.
+static_assert(kTransformPrimes[0].p < 0x80000000u && kTransformPrimes[1].p < 0x80000000u &&
+              kTransformPrimes[2].p < 0x80000000u);
+
+constexpr std::uint32_t mulMod(std::uint32_t a, std::uint32_t b, std::uint32_t p) {
+    return std::uint32_t(std::uint64_t(a) * b % p);
+}
+
+// a^e mod p by square and multiply.
+constexpr std::uint32_t powMod(std::uint32_t a, std::uint64_t e, std::uint32_t p) {
+    std::uint32_t result = 1 % p;
+    a %= p;
+    for (; e; e >>= 1) {
+        if (e & 1) result = mulMod(result, a, p);
+        a = mulMod(a, a, p);
+    }
+    return result;
+}
+
+// a^-1 mod p for prime p and a not divisible by p (Fermat).
+constexpr std::uint32_t invMod(std::uint32_t a, std::uint32_t p) { return powMod(a, p - 2, p); }
+
+// p^-1 mod 2^32 for odd p: Newton's iteration doubles the correct low bits
+// each step, starting from 3 bits (p * p = 1 mod 8).
+constexpr std::uint32_t inverseModWord(std::uint32_t p) {
+    std::uint32_t x = p;
+    for (int i = 0; i < 4; ++i) x *= 2u - p * x;
+    return x;
+}
+
+// Shoup's companion of a constant w < p: floor(w * 2^32 / p).  With it,
+// x * w mod p for any 32-bit x costs two low products and one high product
+// and lands in [0, 2p) (shoupMul).
+constexpr std::uint32_t shoupCompanion(std::uint32_t w, std::uint32_t p) {
+    return std::uint32_t((std::uint64_t(w) << 32) / p);
+}
+
+// x * w mod p in [0, 2p) for any x < 2^32, w < p, ws = shoupCompanion(w, p).
+// The quotient estimate floor(x * ws / 2^32) falls short of floor(x * w / p) by
+// at most one, so the remainder computed modulo 2^32 is below 2p < 2^32.
+constexpr std::uint32_t shoupMulLazy(std::uint32_t x, std::uint32_t w, std::uint32_t ws, std::uint32_t p) {
+    const std::uint32_t q = std::uint32_t((std::uint64_t(x) * ws) >> 32);
+    return x * w - q * p;
+}
+
+// The constants of one prime the kernels need at run time.
+struct PrimeConstants {
+    std::uint32_t p;
+    std::uint32_t pinv;       // p^-1 mod 2^32 (signed Montgomery reduction)
+    std::uint32_t negPinv;    // -p^-1 mod 2^32 (Shoup companion from Montgomery form)
+    std::uint32_t montR;      // 2^32 mod p
+    std::uint32_t generator;
+
+    // A primitive root of unity of the given order (order divides p - 1).
+    constexpr std::uint32_t rootOfUnity(std::uint64_t order) const {
+        return powMod(generator, (p - 1) / order, p);
+    }
+};
+
+constexpr PrimeConstants primeConstants(std::size_t index) {
+    const TransformPrime& t = kTransformPrimes[index];
+    const std::uint32_t pinv = inverseModWord(t.p);
+    return {t.p, pinv, 0u - pinv, std::uint32_t((std::uint64_t(1) << 32) % t.p), t.primitiveRoot};
+}
+
+// Montgomery form x * 2^32 mod p of x < p.
+constexpr std::uint32_t toMontgomery(std::uint32_t x, const PrimeConstants& c) {
+    return std::uint32_t((std::uint64_t(x) << 32) % c.p);
+}
+
+static_assert(inverseModWord(kTransformPrimes[0].p) * kTransformPrimes[0].p == 1u);
+static_assert(inverseModWord(kTransformPrimes[2].p) * kTransformPrimes[2].p == 1u);
+static_assert(shoupMulLazy(0xFFFFFFFFu, 0x42000000u, shoupCompanion(0x42000000u, 0x42000001u), 0x42000001u) % 0x42000001u ==
+              mulMod(0xFFFFFFFFu % 0x42000001u, 0x42000000u, 0x42000001u));
+
+}  // namespace tw::arith::ntt

@@ -1,0 +1,86 @@
+#include "arith/ntt/roots.h"
+
+namespace tw::arith::ntt {
+
+namespace {
+
+void fillLevels(Limb* roots, Limb* companions, const PrimeConstants& c, bool inverse) {
+    roots[0] = companions[0] = 0;
+    for (std::size_t h = 1; h < kLeafLength; h *= 2) {
+        std::uint32_t w = c.rootOfUnity(2 * h);
+        if (inverse) w = invMod(w, c.p);
+        std::uint32_t power = 1;
+        for (std::size_t j = 0; j < h; ++j) {
+            roots[h + j] = power;
+            companions[h + j] = shoupCompanion(power, c.p);
+            power = mulMod(power, w, c.p);
+        }
+    }
+}
+
+// Built in place: the tables are too large for a stack temporary.
+struct AllLeafRootTables {
+    LeafRootTables prime[kPrimeCount];
+    AllLeafRootTables() {
+        for (std::size_t i = 0; i < kPrimeCount; ++i) {
+            const PrimeConstants c = primeConstants(i);
+            fillLevels(prime[i].forwardRoots, prime[i].forwardCompanions, c, false);
+            fillLevels(prime[i].inverseRoots, prime[i].inverseCompanions, c, true);
+        }
+    }
+};
+
+}  // namespace
+
+const LeafRootTables& leafRootTables(std::size_t primeIndex) {
+    static const AllLeafRootTables tables;
+    return tables.prime[primeIndex];
+}
+
+void TopRoots::build(const TransformKernels& kernels, std::size_t primeIndex, std::size_t blockLength) {
+    levelWords_ = blockLength > kLeafLength ? blockLength - kLeafLength : 0;
+    if (levelWords_ == 0) return;
+    if (capacity_ < 4 * levelWords_) {
+        words_.reset();
+        words_ = allocateWords(4 * levelWords_);
+        capacity_ = 4 * levelWords_;
+    }
+    const PrimeConstants c = primeConstants(primeIndex);
+    Limb* w = words_.get();
+    kernels.buildTopRoots(w, w + levelWords_, blockLength, c, false);
+    kernels.buildTopRoots(w + 2 * levelWords_, w + 3 * levelWords_, blockLength, c, true);
+}
+
+LevelRoots TopRoots::forward(std::size_t primeIndex) const {
+    const LeafRootTables& leaf = leafRootTables(primeIndex);
+    const Limb* w = words_.get();
+    return {leaf.forwardRoots, leaf.forwardCompanions, w, w ? w + levelWords_ : nullptr};
+}
+
+LevelRoots TopRoots::inverse(std::size_t primeIndex) const {
+    const LeafRootTables& leaf = leafRootTables(primeIndex);
+    const Limb* w = words_.get();
+    return {leaf.inverseRoots, leaf.inverseCompanions, w ? w + 2 * levelWords_ : nullptr,
+            w ? w + 3 * levelWords_ : nullptr};
+}
+
+TransformPlan makePlan(std::size_t primeIndex, std::size_t length, const TopRoots& top) {
+    TransformPlan plan;
+    plan.length = length;
+    plan.blockLength = (length & (length - 1)) == 0 ? length : length / 3;
+    plan.prime = primeConstants(primeIndex);
+    plan.forward = top.forward(primeIndex);
+    plan.inverse = top.inverse(primeIndex);
+    if (plan.hasRadix3()) {
+        const std::uint32_t p = plan.prime.p;
+        plan.root = plan.prime.rootOfUnity(length);
+        plan.rootInverse = invMod(plan.root, p);
+        plan.cubeRoot = powMod(plan.root, plan.blockLength, p);
+        plan.cubeRootInverse = mulMod(plan.cubeRoot, plan.cubeRoot, p);
+        plan.cubeRootCompanion = shoupCompanion(plan.cubeRoot, p);
+        plan.cubeRootInverseCompanion = shoupCompanion(plan.cubeRootInverse, p);
+    }
+    return plan;
+}
+
+}  // namespace tw::arith::ntt

@@ -1,0 +1,421 @@
+// The transform kernels, written once over a register type V (lanes_*.h).
+//
+// Every function here is a template on V, so each code path's translation unit
+// instantiates its own copies under its own target options and no copy
+// compiled for one instruction set can stand in for another's.  Include this
+// header after lanes_<path>.h, and include the non-template headers it uses
+// before switching the target.
+//
+// Layout (transform_plan.h): radix-2 decimation in frequency with the roots of
+// level h in level layout.  Levels whose span h is at least the lane count
+// pair whole registers; the last levels pair lanes inside registers
+// (split/merge in lanes_*.h).  Long blocks recurse depth first, one radix-2
+// level over the whole block each step, until a block fits kLeafLength; the
+// convolution runs forward levels, pointwise product and inverse levels of a
+// leaf while it is in cache.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "arith/ntt/kernel_table.h"
+#include "arith/ntt/modular_lanes.h"
+#include "arith/ntt/prime_field.h"
+#include "arith/ntt/transform_plan.h"
+
+namespace tw::arith::ntt {
+
+template <std::size_t H>
+inline constexpr std::size_t kLog2 = 1 + kLog2<H / 2>;
+template <>
+inline constexpr std::size_t kLog2<1> = 0;
+
+// Gentleman-Sande butterfly (a, b) -> (a + b, (a - b) w).
+template <class V>
+inline void butterflyForward(const LaneField<V>& f, typename V::Reg& a, typename V::Reg& b, typename V::Reg w,
+                             typename V::Reg ws) {
+    const typename V::Reg d = f.subLazy(a, b);
+    a = f.add(a, b);
+    b = f.mulShoup(d, w, ws);
+}
+
+// Cooley-Tukey butterfly (a, b) -> (a + b w, a - b w): with w the inverse root
+// it undoes butterflyForward up to a factor 2.
+template <class V>
+inline void butterflyInverse(const LaneField<V>& f, typename V::Reg& a, typename V::Reg& b, typename V::Reg w,
+                             typename V::Reg ws) {
+    const typename V::Reg t = f.mulShoup(b, w, ws);
+    b = f.sub(a, t);
+    a = f.add(a, t);
+}
+
+// The roots of the in-register levels (spans H < lanes) in the lane order
+// split<H> leaves them in, indexed by log2 H (H = 1 multiplies by 1).
+template <class V>
+struct RegisterRoots {
+    typename V::Reg forward[4], forwardCompanion[4], inverse[4], inverseCompanion[4];
+};
+
+// Tracks the original positions of the lanes through the splits and reads
+// the root of each lane's butterfly: position j mod 2H, j < H, takes w_2H^j.
+template <class V, std::size_t H>
+void collectRegisterRoots(RegisterRoots<V>& rr, typename V::Reg& posA, typename V::Reg& posB,
+                          const TransformPlan& plan) {
+    V::template split<H>(posA, posB);
+    if constexpr (H > 1) {
+        alignas(64) Limb pos[V::lanes], w[V::lanes], ws[V::lanes], iw[V::lanes], iws[V::lanes];
+        V::store(pos, posA);
+        for (std::size_t lane = 0; lane < V::lanes; ++lane) {
+            const std::size_t j = pos[lane] % (2 * H);
+            w[lane] = plan.forward.roots(H)[j];
+            ws[lane] = plan.forward.companions(H)[j];
+            iw[lane] = plan.inverse.roots(H)[j];
+            iws[lane] = plan.inverse.companions(H)[j];
+        }
+        constexpr std::size_t k = kLog2<H>;
+        rr.forward[k] = V::load(w);
+        rr.forwardCompanion[k] = V::load(ws);
+        rr.inverse[k] = V::load(iw);
+        rr.inverseCompanion[k] = V::load(iws);
+        collectRegisterRoots<V, H / 2>(rr, posA, posB, plan);
+    }
+}
+
+template <class V, std::size_t H>
+inline void registerLevelsForward(const LaneField<V>& f, typename V::Reg& a, typename V::Reg& b,
+                                  const RegisterRoots<V>& rr) {
+    V::template split<H>(a, b);
+    if constexpr (H == 1) {
+        const typename V::Reg d = f.sub(a, b);
+        a = f.add(a, b);
+        b = d;
+    } else {
+        butterflyForward(f, a, b, rr.forward[kLog2<H>], rr.forwardCompanion[kLog2<H>]);
+        registerLevelsForward<V, H / 2>(f, a, b, rr);
+    }
+}
+
+template <class V, std::size_t H>
+inline void registerLevelsInverse(const LaneField<V>& f, typename V::Reg& a, typename V::Reg& b,
+                                  const RegisterRoots<V>& rr) {
+    if constexpr (H == 1) {
+        const typename V::Reg d = f.sub(a, b);
+        a = f.add(a, b);
+        b = d;
+    } else {
+        registerLevelsInverse<V, H / 2>(f, a, b, rr);
+        butterflyInverse(f, a, b, rr.inverse[kLog2<H>], rr.inverseCompanion[kLog2<H>]);
+    }
+    V::template merge<H>(a, b);
+}
+
+// The passes of one transform plan on one code path.
+template <class V>
+class TransformPasses {
+public:
+    using Reg = typename V::Reg;
+    static constexpr std::size_t L = V::lanes;
+
+    explicit TransformPasses(const TransformPlan& plan) : plan_(plan), f_(plan.prime) {
+        bottomRoot_ = V::load(plan.forward.roots(L));
+        bottomCompanion_ = V::load(plan.forward.companions(L));
+        bottomInverseRoot_ = V::load(plan.inverse.roots(L));
+        bottomInverseCompanion_ = V::load(plan.inverse.companions(L));
+        if constexpr (L > 1) {
+            alignas(64) Limb a[L], b[L];
+            for (std::size_t i = 0; i < L; ++i) {
+                a[i] = Limb(i);
+                b[i] = Limb(L + i);
+            }
+            Reg posA = V::load(a), posB = V::load(b);
+            collectRegisterRoots<V, L / 2>(registerRoots_, posA, posB, plan);
+        }
+    }
+
+    // Forward transform of the power-of-two block x[0..n), n >= 2L.
+    void forward(Limb* x, std::size_t n) const {
+        if (n <= kLeafLength) {
+            leafForward(x, n);
+            return;
+        }
+        forwardLevel(x, n, n / 2);
+        forward(x, n / 2);
+        forward(x + n / 2, n / 2);
+    }
+
+    // n times the inverse transform of the block x[0..n).
+    void inverse(Limb* x, std::size_t n) const {
+        if (n <= kLeafLength) {
+            leafInverse(x, n);
+            return;
+        }
+        inverse(x, n / 2);
+        inverse(x + n / 2, n / 2);
+        inverseLevel(x, n, n / 2);
+    }
+
+    // x := inverse(forward(x) * y) on the block (y := x when Square).
+    template <bool Square>
+    void convolve(Limb* x, const Limb* y, std::size_t n) const {
+        if (n <= kLeafLength) {
+            leafConvolve<Square>(x, y, n);
+            return;
+        }
+        forwardLevel(x, n, n / 2);
+        convolve<Square>(x, y, n / 2);
+        convolve<Square>(x + n / 2, y + n / 2, n / 2);
+        inverseLevel(x, n, n / 2);
+    }
+
+    // Radix-3 layer over x[0..3M): with a, b, c the words j of the three thirds
+    // and c3 the cube root, the thirds become a + b + c,
+    // (a + c3 b + c3^2 c) w^j and (a + c3^2 b + c3 c) w^2j (w the N-th root);
+    // c3 + c3^2 = -1 leaves one product by c3.
+    void radix3Forward(Limb* x) const {
+        const std::size_t m = plan_.blockLength;
+        RootChain c1(plan_, plan_.root, 1), c2(plan_, plan_.root, 2);
+        const Reg w3 = V::broadcast(plan_.cubeRoot), w3s = V::broadcast(plan_.cubeRootCompanion);
+        for (std::size_t j = 0; j < m; j += L) {
+            const Reg a = V::load(x + j), b = V::load(x + m + j), c = V::load(x + 2 * m + j);
+            const Reg t = f_.mulShoup(f_.subLazy(b, c), w3, w3s);
+            V::store(x + j, f_.add(f_.add(a, b), c));
+            V::store(x + m + j, f_.mulMontgomery(f_.add(f_.sub(a, c), t), c1.value));
+            V::store(x + 2 * m + j, f_.mulMontgomery(f_.sub(f_.sub(a, b), t), c2.value));
+            c1.advance(f_);
+            c2.advance(f_);
+        }
+    }
+
+    // Undoes radix3Forward up to a factor 3.
+    void radix3Inverse(Limb* x) const {
+        const std::size_t m = plan_.blockLength;
+        RootChain c1(plan_, plan_.rootInverse, 1), c2(plan_, plan_.rootInverse, 2);
+        const Reg w3 = V::broadcast(plan_.cubeRootInverse), w3s = V::broadcast(plan_.cubeRootInverseCompanion);
+        for (std::size_t j = 0; j < m; j += L) {
+            const Reg y0 = V::load(x + j);
+            const Reg y1 = f_.mulMontgomery(V::load(x + m + j), c1.value);
+            const Reg y2 = f_.mulMontgomery(V::load(x + 2 * m + j), c2.value);
+            const Reg t = f_.mulShoup(f_.subLazy(y1, y2), w3, w3s);
+            V::store(x + j, f_.add(f_.add(y0, y1), y2));
+            V::store(x + m + j, f_.add(f_.sub(y0, y2), t));
+            V::store(x + 2 * m + j, f_.sub(f_.sub(y0, y1), t));
+            c1.advance(f_);
+            c2.advance(f_);
+        }
+    }
+
+private:
+    // Powers root^(e*j) for the lanes j, j+1, ... in Montgomery form, stepped
+    // by one register at a time: a Montgomery-form factor times a plain one
+    // stays in Montgomery form, so the step is a Shoup product.
+    struct RootChain {
+        Reg value, step, stepCompanion;
+        RootChain(const TransformPlan& plan, std::uint32_t root, std::uint32_t e) {
+            const PrimeConstants& c = plan.prime;
+            const std::uint32_t r = powMod(root, e, c.p);
+            alignas(64) Limb start[L];
+            std::uint32_t power = c.montR;
+            for (std::size_t i = 0; i < L; ++i) {
+                start[i] = power;
+                power = mulMod(power, r, c.p);
+            }
+            value = V::load(start);
+            const std::uint32_t s = powMod(r, L, c.p);
+            step = V::broadcast(s);
+            stepCompanion = V::broadcast(shoupCompanion(s, c.p));
+        }
+        void advance(const LaneField<V>& f) { value = f.mulShoup(value, step, stepCompanion); }
+    };
+
+    // One radix-2 level of span h (h >= L) over x[0..n), n a multiple of 2h.
+    void forwardLevel(Limb* x, std::size_t n, std::size_t h) const {
+        const Limb* w = plan_.forward.roots(h);
+        const Limb* ws = plan_.forward.companions(h);
+        for (std::size_t block = 0; block < n; block += 2 * h) {
+            Limb* lo = x + block;
+            Limb* hi = lo + h;
+            for (std::size_t j = 0; j < h; j += L) {
+                Reg a = V::load(lo + j), b = V::load(hi + j);
+                butterflyForward(f_, a, b, V::load(w + j), V::load(ws + j));
+                V::store(lo + j, a);
+                V::store(hi + j, b);
+            }
+        }
+    }
+    void inverseLevel(Limb* x, std::size_t n, std::size_t h) const {
+        const Limb* w = plan_.inverse.roots(h);
+        const Limb* ws = plan_.inverse.companions(h);
+        for (std::size_t block = 0; block < n; block += 2 * h) {
+            Limb* lo = x + block;
+            Limb* hi = lo + h;
+            for (std::size_t j = 0; j < h; j += L) {
+                Reg a = V::load(lo + j), b = V::load(hi + j);
+                butterflyInverse(f_, a, b, V::load(w + j), V::load(ws + j));
+                V::store(lo + j, a);
+                V::store(hi + j, b);
+            }
+        }
+    }
+
+    // The level of span L pairs two consecutive registers; the in-register
+    // levels follow on the same pair.
+    void bottomForward(Reg& a, Reg& b) const {
+        butterflyForward(f_, a, b, bottomRoot_, bottomCompanion_);
+        if constexpr (L > 1) registerLevelsForward<V, L / 2>(f_, a, b, registerRoots_);
+    }
+    void bottomInverse(Reg& a, Reg& b) const {
+        if constexpr (L > 1) registerLevelsInverse<V, L / 2>(f_, a, b, registerRoots_);
+        butterflyInverse(f_, a, b, bottomInverseRoot_, bottomInverseCompanion_);
+    }
+
+    void leafForward(Limb* x, std::size_t n) const {
+        for (std::size_t h = n / 2; h > L; h /= 2) forwardLevel(x, n, h);
+        for (std::size_t i = 0; i < n; i += 2 * L) {
+            Reg a = V::load(x + i), b = V::load(x + i + L);
+            bottomForward(a, b);
+            V::store(x + i, a);
+            V::store(x + i + L, b);
+        }
+    }
+    void leafInverse(Limb* x, std::size_t n) const {
+        for (std::size_t i = 0; i < n; i += 2 * L) {
+            Reg a = V::load(x + i), b = V::load(x + i + L);
+            bottomInverse(a, b);
+            V::store(x + i, a);
+            V::store(x + i + L, b);
+        }
+        for (std::size_t h = 2 * L; h < n; h *= 2) inverseLevel(x, n, h);
+    }
+    template <bool Square>
+    void leafConvolve(Limb* x, const Limb* y, std::size_t n) const {
+        for (std::size_t h = n / 2; h > L; h /= 2) forwardLevel(x, n, h);
+        for (std::size_t i = 0; i < n; i += 2 * L) {
+            Reg a = V::load(x + i), b = V::load(x + i + L);
+            bottomForward(a, b);
+            if constexpr (Square) {
+                a = f_.mulMontgomery(a, a);
+                b = f_.mulMontgomery(b, b);
+            } else {
+                a = f_.mulMontgomery(a, V::load(y + i));
+                b = f_.mulMontgomery(b, V::load(y + i + L));
+            }
+            bottomInverse(a, b);
+            V::store(x + i, a);
+            V::store(x + i + L, b);
+        }
+        for (std::size_t h = 2 * L; h < n; h *= 2) inverseLevel(x, n, h);
+    }
+
+    const TransformPlan& plan_;
+    LaneField<V> f_;
+    RegisterRoots<V> registerRoots_{};
+    Reg bottomRoot_, bottomCompanion_, bottomInverseRoot_, bottomInverseCompanion_;
+};
+
+template <class V>
+void forwardTransform(Limb* x, const TransformPlan& plan) {
+    const TransformPasses<V> passes(plan);
+    const std::size_t m = plan.blockLength;
+    if (plan.hasRadix3()) {
+        passes.radix3Forward(x);
+        for (std::size_t r = 0; r < 3; ++r) passes.forward(x + r * m, m);
+    } else {
+        passes.forward(x, m);
+    }
+}
+
+template <class V>
+void inverseTransform(Limb* x, const TransformPlan& plan) {
+    const TransformPasses<V> passes(plan);
+    const std::size_t m = plan.blockLength;
+    if (plan.hasRadix3()) {
+        for (std::size_t r = 0; r < 3; ++r) passes.inverse(x + r * m, m);
+        passes.radix3Inverse(x);
+    } else {
+        passes.inverse(x, m);
+    }
+}
+
+template <class V, bool Square>
+void convolveTransform(Limb* x, const Limb* y, const TransformPlan& plan) {
+    const TransformPasses<V> passes(plan);
+    const std::size_t m = plan.blockLength;
+    if (plan.hasRadix3()) {
+        passes.radix3Forward(x);
+        for (std::size_t r = 0; r < 3; ++r) passes.template convolve<Square>(x + r * m, y + r * m, m);
+        passes.radix3Inverse(x);
+    } else {
+        passes.template convolve<Square>(x, y, m);
+    }
+}
+
+template <class V>
+void convolveKernel(Limb* x, const Limb* y, const TransformPlan& plan) {
+    convolveTransform<V, false>(x, y, plan);
+}
+template <class V>
+void squareKernel(Limb* x, const TransformPlan& plan) {
+    convolveTransform<V, true>(x, x, plan);
+}
+
+// Level-layout roots of the levels kLeafLength <= h < M.  Each level is a
+// chain of Montgomery forms w^j 2^32 mod p, one register a step; from the
+// Montgomery form m of w, the Shoup companion floor(w 2^32 / p) is -m / p
+// mod 2^32 (w 2^32 - m is a multiple of p whose quotient is below 2^32), and w
+// itself the Montgomery reduction of m.
+template <class V>
+void buildTopRoots(Limb* roots, Limb* companions, std::size_t blockLength, const PrimeConstants& prime,
+                   bool inverse) {
+    using Reg = typename V::Reg;
+    constexpr std::size_t L = V::lanes;
+    const LaneField<V> f(prime);
+    const Reg one = V::broadcast(1), negPinv = V::broadcast(prime.negPinv);
+    for (std::size_t h = kLeafLength; h < blockLength; h *= 2) {
+        std::uint32_t w = prime.rootOfUnity(2 * h);
+        if (inverse) w = invMod(w, prime.p);
+        alignas(64) Limb start[L];
+        std::uint32_t power = prime.montR;
+        for (std::size_t i = 0; i < L; ++i) {
+            start[i] = power;
+            power = mulMod(power, w, prime.p);
+        }
+        const std::uint32_t s = powMod(w, L, prime.p);
+        const Reg step = V::broadcast(s), stepCompanion = V::broadcast(shoupCompanion(s, prime.p));
+        Reg m = V::load(start);
+        Limb* r = roots + (h - kLeafLength);
+        Limb* c = companions + (h - kLeafLength);
+        for (std::size_t j = 0; j < h; j += L) {
+            V::store(r + j, f.mulMontgomery(m, one));
+            V::store(c + j, V::mullo(m, negPinv));
+            m = f.mulShoup(m, step, stepCompanion);
+        }
+    }
+}
+
+template <class V>
+void garnerKernel(Limb* x0, Limb* t1, Limb* t2, const Limb* r0, const Limb* r1, const Limb* r2, std::size_t count,
+                  const GarnerConstants& g) {
+    using Reg = typename V::Reg;
+    const LaneField<V> f0(g.prime[0]), f1(g.prime[1]), f2(g.prime[2]);
+    const Reg k0 = V::broadcast(g.k0), k0s = V::broadcast(g.k0s);
+    const Reg k1 = V::broadcast(g.k1), k1s = V::broadcast(g.k1s), u1 = V::broadcast(g.u1), u1s = V::broadcast(g.u1s);
+    const Reg k2 = V::broadcast(g.k2), k2s = V::broadcast(g.k2s), v = V::broadcast(g.v), vs = V::broadcast(g.vs);
+    const Reg w = V::broadcast(g.w), ws = V::broadcast(g.ws);
+    for (std::size_t i = 0; i < count; i += V::lanes) {
+        const Reg d0 = f0.mulShoup(V::load(r0 + i), k0, k0s);
+        const Reg d1 = f1.sub(f1.mulShoup(V::load(r1 + i), k1, k1s), f1.mulShoup(d0, u1, u1s));
+        const Reg d2 = f2.sub(f2.sub(f2.mulShoup(V::load(r2 + i), k2, k2s), f2.mulShoup(d0, v, vs)),
+                              f2.mulShoup(d1, w, ws));
+        V::store(x0 + i, d0);
+        V::store(t1 + i, d1);
+        V::store(t2 + i, d2);
+    }
+}
+
+template <class V>
+constexpr TransformKernels makeKernels() {
+    return {V::lanes,           &forwardTransform<V>, &inverseTransform<V>, &convolveKernel<V>,
+            &squareKernel<V>,   &buildTopRoots<V>,    &garnerKernel<V>};
+}
+
+}  // namespace tw::arith::ntt

@@ -1,0 +1,12 @@
+#include "arith/ntt/transform_lengths.h"
+
+#include <algorithm>
+
+namespace tw::arith::ntt {
+
+std::size_t roundTransformLength(std::size_t length) {
+    if ((length & (length - 1)) == 0) return length;
+    return *std::lower_bound(kTransformLengths.begin(), kTransformLengths.end(), length);
+}
+
+}  // namespace tw::arith::ntt

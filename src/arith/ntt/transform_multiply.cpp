@@ -1,0 +1,221 @@
+#include "arith/ntt/transform_multiply.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <utility>
+
+#include "arith/add_sub.h"
+#include "arith/ntt/aligned_words.h"
+#include "arith/ntt/crt.h"
+#include "arith/ntt/roots.h"
+#include "arith/ntt/transform_dispatch.h"
+#include "arith/ntt/transform_lengths.h"
+#include "arith/thresholds.h"
+#include "frame/error_state.h"
+
+namespace tw::arith {
+
+namespace ntt {
+namespace {
+
+// A stretch of limbs without zero limbs at either end, `offset` limbs above
+// where the untrimmed stretch began.
+struct Span {
+    const Limb* limbs;
+    std::size_t length;
+    std::size_t offset;
+};
+
+Span trimmed(const Limb* p, std::size_t n) {
+    std::size_t lo = 0;
+    while (lo < n && p[lo] == 0) ++lo;
+    std::size_t hi = n;
+    while (hi > lo && p[hi - 1] == 0) --hi;
+    return {p + lo, hi - lo, lo};
+}
+
+// x[0..length) := src[0..n) followed by zeros.  Limbs of either radix are
+// below every prime, so they are residues already.
+void loadResidues(Limb* x, std::size_t length, const Span& src) {
+    std::copy(src.limbs, src.limbs + src.length, x);
+    std::fill(x + src.length, x + length, 0);
+}
+
+std::size_t blockLengthOf(std::size_t length) { return (length & (length - 1)) == 0 ? length : length / 3; }
+
+// Garner constants for residues left by a convolution of the given length:
+// the inverse transform multiplies by N, the Montgomery pointwise product by 2^-32.
+GarnerConstants garnerForLength(std::size_t length) {
+    std::uint32_t factor[kPrimeCount];
+    for (std::size_t i = 0; i < kPrimeCount; ++i) {
+        const PrimeConstants c = primeConstants(i);
+        factor[i] = mulMod(std::uint32_t(length % c.p), invMod(c.montR, c.p), c.p);
+    }
+    return garnerConstants(factor);
+}
+
+// out[0 .. n] := a[0..n) * m.
+template <class R>
+void multiplyByLimb(Limb* out, const Span& a, Limb m) {
+    const std::uint64_t carry = mulByWord<R>(out, a.limbs, a.length, m);
+    out[a.length] = Limb(carry);  // a * m < R^(n+1)
+}
+
+// out[0 .. room) += a[0..n) * m; the sum must fit.
+template <class R>
+void addMultipleOfLimb(Limb* out, std::size_t room, const Span& a, Limb m) {
+    std::uint64_t carry = 0;
+    std::size_t i = 0;
+    for (; i < a.length; ++i) {
+        const std::uint64_t t = std::uint64_t(a.limbs[i]) * m + out[i] + carry;
+        out[i] = Limb(t % R::base);
+        carry = t / R::base;
+    }
+    for (; carry && i < room; ++i) {
+        const std::uint64_t t = out[i] + carry;
+        out[i] = Limb(t % R::base);
+        carry = t / R::base;
+    }
+}
+
+// One convolution covers the whole product: the primes are done one after
+// another, so only three residue vectors live at a time (the transform of S,
+// and the results of the second and third primes; the first is parked in out).
+// out[0 .. room) is zero on entry; the product lands in out[0 .. count + 1).
+template <class R>
+void productOneConvolution(Limb* out, std::size_t room, const Span& longer, const Span& shorter,
+                           std::size_t length) {
+    const std::size_t count = longer.length + shorter.length - 1;
+    const TransformKernels& kernels = transformKernels(length);
+    AlignedWords s = allocateWords(length), r1 = allocateWords(length), r2 = allocateWords(length);
+    TopRoots top;
+    for (std::size_t k = 0; k < kPrimeCount; ++k) {
+        top.build(kernels, k, blockLengthOf(length));
+        const TransformPlan plan = makePlan(k, length, top);
+        loadResidues(s.get(), length, shorter);
+        kernels.forward(s.get(), plan);
+        if (terminateRequested()) return;
+        Limb* r = (k == 2 ? r2 : r1).get();
+        loadResidues(r, length, longer);
+        kernels.convolve(r, s.get(), plan);
+        if (terminateRequested()) return;
+        if (k == 0) std::copy(r, r + count, out);
+    }
+    crtToLimbs<R>(out, room, out, r1.get(), r2.get(), count, garnerForLength(length), kernels, false);
+}
+
+// The shortest transform length able to hold `needed` coefficients whose
+// transform of S is a prefix of the one of the full length (a power-of-two
+// fraction of a power-of-two length), on the same code path.
+std::size_t chunkTransformLength(std::size_t length, std::size_t needed) {
+    const TransformKernels* kernels = &transformKernels(length);
+    while ((length & (length - 1)) == 0 && length / 2 >= needed && &transformKernels(length / 2) == kernels)
+        length /= 2;
+    return length;
+}
+
+// The longer factor in chunks of (length - len(S)) limbs, each convolved with
+// the transforms of S (kept for all three primes) and added in at its offset.
+// out[0 .. room) is zero on entry.
+template <class R>
+void productInChunks(Limb* out, std::size_t room, const Span& longer, const Span& shorter, std::size_t length) {
+    const TransformKernels& kernels = transformKernels(length);
+    const std::size_t chunk = length - shorter.length;
+    AlignedWords transformOfS[kPrimeCount], work[kPrimeCount];
+    TopRoots top[kPrimeCount];
+    for (std::size_t k = 0; k < kPrimeCount; ++k) {
+        top[k].build(kernels, k, blockLengthOf(length));
+        transformOfS[k] = allocateWords(length);
+        loadResidues(transformOfS[k].get(), length, shorter);
+        kernels.forward(transformOfS[k].get(), makePlan(k, length, top[k]));
+        if (terminateRequested()) return;
+    }
+    for (std::size_t k = 0; k < kPrimeCount; ++k) work[k] = allocateWords(length);
+
+    for (std::size_t start = 0; start < longer.length; start += chunk) {
+        const Span piece = trimmed(longer.limbs + start, std::min(chunk, longer.length - start));
+        if (piece.length == 0) continue;
+        Limb* at = out + start + piece.offset;
+        const std::size_t atRoom = room - (start + piece.offset);
+        if (piece.length == 1) {
+            addMultipleOfLimb<R>(at, atRoom, shorter, piece.limbs[0]);
+            continue;
+        }
+        const std::size_t count = piece.length + shorter.length - 1;
+        const std::size_t pieceLength = chunkTransformLength(length, count);
+        for (std::size_t k = 0; k < kPrimeCount; ++k) {
+            loadResidues(work[k].get(), pieceLength, piece);
+            kernels.convolve(work[k].get(), transformOfS[k].get(), makePlan(k, pieceLength, top[k]));
+            if (terminateRequested()) return;
+        }
+        crtToLimbs<R>(at, atRoom, work[0].get(), work[1].get(), work[2].get(), count,
+                      garnerForLength(pieceLength), kernels, true);
+    }
+}
+
+}  // namespace
+}  // namespace ntt
+
+bool transformFits(std::size_t shorterLength) {
+    return shorterLength <= kTransformMaxLength / 2 &&
+           2 * ntt::nextPowerOfTwo(shorterLength) <= kTransformMaxLength;
+}
+
+template <class R>
+void transformMultiply(Limb* out, const Limb* a, std::size_t an, const Limb* b, std::size_t bn) {
+    using namespace ntt;
+    std::fill(out, out + an + bn, 0);
+    Span longer = trimmed(a, an), shorter = trimmed(b, bn);
+    if (longer.length == 0 || shorter.length == 0) return;
+    if (longer.length < shorter.length) std::swap(longer, shorter);
+    const std::size_t offset = longer.offset + shorter.offset;
+    Limb* at = out + offset;
+    const std::size_t room = an + bn - offset;
+    if (shorter.length == 1) {
+        multiplyByLimb<R>(at, longer, shorter.limbs[0]);
+        return;
+    }
+
+    const std::size_t s = shorter.length;
+    std::size_t length = 2 * nextPowerOfTwo(s);
+    if (longer.length + s <= kTransformMaxLength && longer.length < 2 * (length - s)) length = longer.length + s;
+    length = roundTransformLength(length);
+    if (length - s >= longer.length)
+        productOneConvolution<R>(at, room, longer, shorter, length);
+    else
+        productInChunks<R>(at, room, longer, shorter, length);
+}
+
+template <class R>
+void transformSquare(Limb* out, const Limb* a, std::size_t n) {
+    using namespace ntt;
+    const Span x = trimmed(a, n);
+    const std::size_t length = roundTransformLength(2 * x.length);
+    if (x.length == 0 || x.length == 1 || length > kTransformMaxLength) {
+        transformMultiply<R>(out, a, n, a, n);
+        return;
+    }
+    std::fill(out, out + 2 * n, 0);
+    Limb* at = out + 2 * x.offset;
+    const std::size_t room = 2 * (n - x.offset);
+    const std::size_t count = 2 * x.length - 1;
+    const TransformKernels& kernels = transformKernels(length);
+    AlignedWords r1 = allocateWords(length), r2 = allocateWords(length);
+    TopRoots top;
+    for (std::size_t k = 0; k < kPrimeCount; ++k) {
+        top.build(kernels, k, blockLengthOf(length));
+        Limb* r = (k == 2 ? r2 : r1).get();
+        loadResidues(r, length, x);
+        kernels.squareConvolve(r, makePlan(k, length, top));
+        if (terminateRequested()) return;
+        if (k == 0) std::copy(r, r + count, at);
+    }
+    crtToLimbs<R>(at, room, at, r1.get(), r2.get(), count, garnerForLength(length), kernels, false);
+}
+
+template void transformMultiply<DecimalRadix>(Limb*, const Limb*, std::size_t, const Limb*, std::size_t);
+template void transformMultiply<BinaryRadix>(Limb*, const Limb*, std::size_t, const Limb*, std::size_t);
+template void transformSquare<DecimalRadix>(Limb*, const Limb*, std::size_t);
+template void transformSquare<BinaryRadix>(Limb*, const Limb*, std::size_t);
+
+}  // namespace tw::arith
