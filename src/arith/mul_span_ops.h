@@ -34,6 +34,47 @@ inline void copyLimbs(Limb* out, const Limb* p, std::size_t n) {
     for (std::size_t i = 0; i < n; ++i) out[i] = p[i];
 }
 
+// One limb of a sum or difference, branch-free: returns a + b + carry (or
+// a - b - borrow) reduced into [0, radix) and updates the carry (borrow).
+// Both radices are below 2^31, so a negative difference shows in bit 31.
+template <class R, bool Subtract>
+inline Limb limbStep(Limb a, Limb b, Limb& carry) {
+    if constexpr (Subtract) {
+        const Limb t = a - b - carry;
+        carry = t >> 31;
+        return t + (R::base & (0u - carry));
+    } else {
+        const Limb t = a + b + carry;
+        carry = t >= R::base;
+        return t - (R::base & (0u - carry));
+    }
+}
+
+// out[0..n) := a[0..n) +- b[0..n); returns the carry (borrow).  out may equal
+// a or b.  The two halves run as two independent carry chains, which the
+// processor overlaps, and the lower half's carry then moves into the upper.
+template <class R, bool Subtract>
+Limb combineSameLength(Limb* out, const Limb* a, const Limb* b, std::size_t n) {
+    const std::size_t h = n / 2;
+    Limb low = 0, high = 0;
+    for (std::size_t i = 0; i < h; ++i) {
+        out[i] = limbStep<R, Subtract>(a[i], b[i], low);
+        out[h + i] = limbStep<R, Subtract>(a[h + i], b[h + i], high);
+    }
+    if (n % 2 != 0) out[n - 1] = limbStep<R, Subtract>(a[n - 1], b[n - 1], high);
+    // The whole sum (difference) carries at most once, so the two can't both be set.
+    const Limb moved = Subtract ? subBorrow<R>(out + h, out + h, n - h, low) : addCarry<R>(out + h, out + h, n - h, low);
+    return high | moved;
+}
+
+// out[0..an) := a[0..an) +- b[0..bn), an >= bn; returns the carry (borrow).
+// out may equal a or b.
+template <class R, bool Subtract>
+Limb combineSpans(Limb* out, const Limb* a, std::size_t an, const Limb* b, std::size_t bn) {
+    const Limb c = combineSameLength<R, Subtract>(out, a, b, bn);
+    return Subtract ? subBorrow<R>(out + bn, a + bn, an - bn, c) : addCarry<R>(out + bn, a + bn, an - bn, c);
+}
+
 // Compares a[0..an) with b[0..bn) as numbers (either may have zero top limbs).
 inline int compareSpans(const Limb* a, std::size_t an, const Limb* b, std::size_t bn) {
     an = trimmedLength(a, an);
@@ -54,7 +95,7 @@ bool absDifference(Limb* out, const Limb* a, std::size_t an, const Limb* b, std:
     const std::size_t width = an > bn ? an : bn;
     // The larger value's trimmed length is at least the smaller's.
     bigN = trimmedLength(big, bigN);
-    subSpans<R>(out, big, bigN, small, smallN);
+    combineSpans<R, true>(out, big, bigN, small, smallN);
     zeroLimbs(out + bigN, width - bigN);
     return negative;
 }
@@ -65,7 +106,7 @@ template <class R>
 void addAt(Limb* out, std::size_t outN, std::size_t off, const Limb* x, std::size_t xn) {
     xn = trimmedLength(x, xn);
     assert(off + xn <= outN);
-    [[maybe_unused]] const Limb carry = addSpans<R>(out + off, out + off, outN - off, x, xn);
+    [[maybe_unused]] const Limb carry = combineSpans<R, false>(out + off, out + off, outN - off, x, xn);
     assert(carry == 0);
 }
 
@@ -74,7 +115,7 @@ template <class R>
 void subtractInPlace(Limb* a, std::size_t an, const Limb* b, std::size_t bn) {
     bn = trimmedLength(b, bn);
     assert(bn <= an);
-    [[maybe_unused]] const Limb borrow = subSpans<R>(a, a, an, b, bn);
+    [[maybe_unused]] const Limb borrow = combineSpans<R, true>(a, a, an, b, bn);
     assert(borrow == 0);
 }
 

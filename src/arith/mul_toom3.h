@@ -23,7 +23,7 @@ void addPadded(Limb* out, std::size_t width, const Limb* a, std::size_t an, cons
         std::swap(a, b);
         std::swap(an, bn);
     }
-    out[an] = addSpans<R>(out, a, an, b, bn);
+    out[an] = combineSpans<R, false>(out, a, an, b, bn);
     zeroLimbs(out + an + 1, width - an - 1);
 }
 
@@ -43,9 +43,9 @@ template <class R>
 void toomEvaluateTwo(Limb* p2, const Limb* X, std::size_t k, std::size_t topN, std::size_t width) {
     copyLimbs(p2, X + 2 * k, topN);
     zeroLimbs(p2 + topN, width - topN);
-    addSameLength<R>(p2, p2, p2, width);
+    combineSameLength<R, false>(p2, p2, p2, width);
     addAt<R>(p2, width, 0, X + k, k);
-    addSameLength<R>(p2, p2, p2, width);
+    combineSameLength<R, false>(p2, p2, p2, width);
     addAt<R>(p2, width, 0, X, k);
 }
 
