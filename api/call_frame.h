@@ -43,4 +43,11 @@ Result updateNumbers(Op&& op, Result result, Handles... operands) {
     return result;
 }
 
+// An operand that the operation deliberately leaves unchecked: its number when
+// the handle is live, else null, with no error recorded either way.
+template <class Handle>
+typename Family<Handle>::Number* uncheckedNumber(Handle h) {
+    return Family<Handle>::registry().holds(h) ? h->number : nullptr;
+}
+
 }  // namespace tw

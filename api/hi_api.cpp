@@ -3,11 +3,19 @@
 #define FAMILY_FN(name) HI_##name
 #define FAMILY_OWN(name) HI_##name##_hi
 #include "api/integer_family.inc"
+#include "api/integer_conversion.inc"
+#include "api/integer_text.inc"
 
 extern "C" {
 
 TW_API uint32_t TW_CALL HI_getTailDecZeros(HI_handle h) {
     return tw::queryNumbers(0u, [](const Number& x) { return tw::trailingDecimalZeros(x); }, h);
+}
+TW_API HI_handle TW_CALL HI_decLShift(HI_handle x, uint32_t k) {
+    return tw::updateNumbers([k](Number& v) { tw::arith::decimalShiftLeft(v, k); }, x);
+}
+TW_API HI_handle TW_CALL HI_decRShift(HI_handle x, uint32_t k) {
+    return tw::updateNumbers([k](Number& v) { tw::arith::decimalShiftRight(v, k); }, x);
 }
 
 }  // extern "C"

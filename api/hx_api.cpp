@@ -3,3 +3,5 @@
 #define FAMILY_FN(name) HX_##name
 #define FAMILY_OWN(name) HX_##name##_hx
 #include "api/integer_family.inc"
+#include "api/integer_conversion.inc"
+#include "api/integer_text.inc"

@@ -5,7 +5,7 @@
 namespace tw {
 
 bool HandleRegistry::contains(const void* handle) const {
-    if (handle != nullptr && handles_.count(reinterpret_cast<std::uintptr_t>(handle)) != 0) return true;
+    if (holds(handle)) return true;
     setLastError(kErrHandle);
     return false;
 }

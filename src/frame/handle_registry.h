@@ -12,6 +12,11 @@ class HandleRegistry {
 public:
     // True for a registered non-null handle; otherwise records -4.
     bool contains(const void* handle) const;
+    // The same test without recording anything, for the few arguments that
+    // are deliberately not checked.
+    bool holds(const void* handle) const {
+        return handle != nullptr && handles_.count(reinterpret_cast<std::uintptr_t>(handle)) != 0;
+    }
     void insert(const void* handle);
     // 1 when removed or for null; 0 (and -4) when the handle is unknown.
     std::uint32_t erase(const void* handle);

@@ -45,6 +45,18 @@ namespace twtest {
         static constexpr auto compareAbs_u32 = P##_compareAbs_u32;     \
         static constexpr auto getDigits = P##_getDigits;               \
         static constexpr auto getBits = P##_getBits;                   \
+        static constexpr auto add = P##_add;                           \
+        static constexpr auto sub = P##_sub;                           \
+        static constexpr auto add_u32 = P##_add_u32;                   \
+        static constexpr auto sub_u32 = P##_sub_u32;                   \
+        static constexpr auto mul_u32 = P##_mul_u32;                   \
+        static constexpr auto bitLShift = P##_bitLShift;               \
+        static constexpr auto bitRShift = P##_bitRShift;               \
+        static constexpr auto mul = P##_mul;                           \
+        static constexpr auto divRem = P##_divRem;                     \
+        static constexpr auto mod = P##_mod;                           \
+        static constexpr auto div_s32 = P##_div_s32;                   \
+        static constexpr auto pow = P##_pow;                           \
     }
 TWTEST_FAMILY(DecimalFamily, HI, hi);
 TWTEST_FAMILY(BinaryFamily, HX, hx);

@@ -30,6 +30,9 @@ struct Mpz {
     ~Mpz() { mpz_clear(v); }
     operator mpz_ptr() { return v; }
     operator mpz_srcptr() const { return v; }
+    // GMP's macro forms (mpz_sgn, mpz_cmp_ui) dereference their argument.
+    __mpz_struct* operator->() { return v; }
+    const __mpz_struct* operator->() const { return v; }
     std::string str(int base = 10) const {
         std::string s(mpz_sizeinbase(v, base) + 2, '\0');
         mpz_get_str(s.data(), base, v);

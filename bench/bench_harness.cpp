@@ -1,0 +1,96 @@
+#include "bench_harness.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <random>
+
+#include "frame/machine_int.h"
+
+namespace twbench {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+// Sets a number of either radix from GMP's value through its limbs.
+template <class R>
+void setFromMpz(tw::SignedNumber<R>& x, mpz_srcptr v) {
+    std::vector<tw::Limb> limbs;
+    mpz_t a;
+    mpz_init_set(a, v);
+    while (mpz_sgn(a) != 0) limbs.push_back(tw::Limb(mpz_fdiv_q_ui(a, a, R::base)));
+    mpz_clear(a);
+    if (limbs.empty()) limbs.push_back(0);
+    tw::resizeStorage(x.rec(), std::uint32_t(limbs.size()), true);
+    std::copy(limbs.begin(), limbs.end(), x.rec().digits);
+    tw::normalizeIndices(x.rec(), std::uint32_t(limbs.size()));
+    x.sign = mpz_sgn(v);
+}
+
+double secondsPerCall(const std::function<void()>& f, std::size_t calls) {
+    const auto start = Clock::now();
+    for (std::size_t i = 0; i < calls; ++i) f();
+    return std::chrono::duration<double>(Clock::now() - start).count() / double(calls);
+}
+
+}  // namespace
+
+Operand::Operand(std::uint64_t seed, std::size_t digits) {
+    std::mt19937_64 rng(seed);
+    std::string text(digits, '0');
+    for (auto& c : text) c = char('0' + rng() % 10);
+    text[0] = char('1' + rng() % 9);
+    mpz_init_set_str(gmp, text.c_str(), 10);
+    hi = HI_new();
+    hx = HX_new();
+    setFromMpz(*hi->number, gmp);
+    setFromMpz(*hx->number, gmp);
+}
+
+Operand::~Operand() {
+    HI_delete(hi);
+    HX_delete(hx);
+    mpz_clear(gmp);
+}
+
+Timing timeSideBySide(const std::function<void()>& ours, const std::function<void()>& gmp, double budgetSeconds) {
+    // Size the batches from one warm-up call of each so a batch lasts about 20 ms.
+    const double one = std::max(secondsPerCall(ours, 1), secondsPerCall(gmp, 1));
+    const std::size_t calls = std::max<std::size_t>(1, std::size_t(0.02 / std::max(one, 1e-9)));
+    const int rounds = std::clamp(int(budgetSeconds / (2 * 0.02 + 2 * one)), 3, 15);
+    Timing best{1e30, 1e30};
+    for (int i = 0; i < rounds; ++i) {
+        best.ours = std::min(best.ours, secondsPerCall(ours, calls));
+        best.gmp = std::min(best.gmp, secondsPerCall(gmp, calls));
+    }
+    return best;
+}
+
+namespace {
+std::string formatSeconds(double s) {
+    char buf[32];
+    if (s < 1e-6)
+        std::snprintf(buf, sizeof buf, "%.1f ns", s * 1e9);
+    else if (s < 1e-3)
+        std::snprintf(buf, sizeof buf, "%.2f us", s * 1e6);
+    else if (s < 1)
+        std::snprintf(buf, sizeof buf, "%.2f ms", s * 1e3);
+    else
+        std::snprintf(buf, sizeof buf, "%.3f s", s);
+    return buf;
+}
+}  // namespace
+
+void printHeader() {
+    std::printf("| operation | digits | ours | GMP | ratio |\n|---|---|---|---|---|\n");
+}
+
+void printRow(const Row& row) {
+    std::printf("| %s | 10^%d | %s | %s | %.2f |\n", row.operation.c_str(),
+                int(std::lround(std::log10(double(row.digits)))), formatSeconds(row.timing.ours).c_str(),
+                formatSeconds(row.timing.gmp).c_str(), row.timing.ours / row.timing.gmp);
+    std::fflush(stdout);
+}
+
+}  // namespace twbench

@@ -1,0 +1,45 @@
+// The benchmark harness: operands shared by the library and GMP, alternating
+// timed batches, and the result table.
+#pragma once
+
+#include <gmp.h>
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "frame/handles.h"
+#include "tarnwick.h"
+
+namespace twbench {
+
+// A random operand of `digits` decimal digits, held by both libraries.
+struct Operand {
+    HI_handle hi = nullptr;
+    HX_handle hx = nullptr;
+    mpz_t gmp;
+    Operand(std::uint64_t seed, std::size_t digits);
+    ~Operand();
+    Operand(const Operand&) = delete;
+    Operand& operator=(const Operand&) = delete;
+};
+
+// Seconds per call of the fastest batch, running our batches and GMP's in
+// turn so that both see the same machine state.
+struct Timing {
+    double ours;
+    double gmp;
+};
+Timing timeSideBySide(const std::function<void()>& ours, const std::function<void()>& gmp, double budgetSeconds);
+
+struct Row {
+    std::string operation;
+    std::size_t digits;
+    Timing timing;
+};
+void printRow(const Row& row);
+void printHeader();
+
+}  // namespace twbench

@@ -1,0 +1,110 @@
+// tw_bench: the library against GMP, same operands, same run.
+//
+//   tw_bench [--max-digits N] [--only SUBSTRING] [--budget SECONDS]
+//
+// Prints a table: operation, size in decimal digits, our time per call, GMP's,
+// and the ratio ours / GMP (below 1 means faster than GMP).
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "bench_harness.h"
+
+namespace {
+
+using namespace twbench;
+
+struct Options {
+    std::size_t maxDigits = 10000000;
+    std::string only;
+    double budget = 1.0;
+};
+
+Options parse(int argc, char** argv) {
+    Options o;
+    for (int i = 1; i + 1 < argc; i += 2) {
+        if (!std::strcmp(argv[i], "--max-digits")) o.maxDigits = std::strtoull(argv[i + 1], nullptr, 10);
+        else if (!std::strcmp(argv[i], "--only")) o.only = argv[i + 1];
+        else if (!std::strcmp(argv[i], "--budget")) o.budget = std::atof(argv[i + 1]);
+    }
+    return o;
+}
+
+struct Case {
+    const char* name;
+    std::size_t maxDigits;
+    // Runs the case at one size; returns the timing.
+    Timing (*run)(std::size_t digits, double budget);
+};
+
+Timing mulDecimal(std::size_t digits, double budget) {
+    Operand a(1, digits), b(2, digits);
+    HI_handle r = HI_new();
+    mpz_t g;
+    mpz_init(g);
+    const Timing t = timeSideBySide([&] { HI_mul(r, a.hi, b.hi); }, [&] { mpz_mul(g, a.gmp, b.gmp); }, budget);
+    mpz_clear(g);
+    HI_delete(r);
+    return t;
+}
+
+Timing squareDecimal(std::size_t digits, double budget) {
+    Operand a(3, digits);
+    HI_handle r = HI_new();
+    mpz_t g;
+    mpz_init(g);
+    const Timing t = timeSideBySide([&] { HI_mul(r, a.hi, a.hi); }, [&] { mpz_mul(g, a.gmp, a.gmp); }, budget);
+    mpz_clear(g);
+    HI_delete(r);
+    return t;
+}
+
+Timing mulBinary(std::size_t digits, double budget) {
+    Operand a(4, digits), b(5, digits);
+    HX_handle r = HX_new();
+    mpz_t g;
+    mpz_init(g);
+    const Timing t = timeSideBySide([&] { HX_mul(r, a.hx, b.hx); }, [&] { mpz_mul(g, a.gmp, b.gmp); }, budget);
+    mpz_clear(g);
+    HX_delete(r);
+    return t;
+}
+
+Timing divideDecimal(std::size_t digits, double budget) {
+    Operand a(6, 2 * digits), b(7, digits);
+    HI_handle q = HI_new(), r = HI_new();
+    mpz_t gq, gr;
+    mpz_init(gq);
+    mpz_init(gr);
+    const Timing t = timeSideBySide([&] { HI_divRem(q, a.hi, b.hi, r); },
+                                    [&] { mpz_tdiv_qr(gq, gr, a.gmp, b.gmp); }, budget);
+    mpz_clear(gq);
+    mpz_clear(gr);
+    HI_delete(q);
+    HI_delete(r);
+    return t;
+}
+
+const Case kCases[] = {
+    {"HI_mul", 10000000, mulDecimal},
+    {"HI_mul square", 10000000, squareDecimal},
+    {"HX_mul", 10000000, mulBinary},
+    {"HI_divRem 2n/n", 1000000, divideDecimal},
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const Options options = parse(argc, argv);
+    printHeader();
+    for (const Case& c : kCases) {
+        if (!options.only.empty() && std::string(c.name).find(options.only) == std::string::npos) continue;
+        for (std::size_t digits = 1000; digits <= std::min(c.maxDigits, options.maxDigits); digits *= 10) {
+            TW_setTerminate(0);
+            printRow({c.name, digits, c.run(digits, options.budget)});
+        }
+    }
+    return 0;
+}

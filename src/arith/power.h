@@ -1,0 +1,91 @@
+// Integer powers by left-to-right binary exponentiation through the squaring
+// ladder.  Zero limbs at the bottom are taken out as they form and put back
+// once at the end, so no zero limb is ever multiplied.
+#pragma once
+
+#include <bit>
+#include <cstdint>
+
+#include "arith/signed_mul.h"
+#include "frame/signed_number.h"
+
+namespace tw::arith {
+
+// Decimal digits of |x| for the power's size guard: exact for the decimal
+// radix; for the binary radix an estimate from the bit length that is exact or
+// one too many, which only matters for results of billions of digits.
+template <class R>
+std::uint64_t digitsForSizeGuard(const NumberRecord& x) {
+    if constexpr (R::isBinary) {
+        const std::uint64_t bits = std::uint64_t(R::bitsPerLimb) * x.topIndex + bitLength32(x.digits[x.topIndex]);
+        return bits * 30103 / 100000 + 1;  // log10(2) = 0.30103 (rounded up in the last digit)
+    } else {
+        return std::uint64_t(R::decimalDigitsPerLimb) * x.topIndex + decimalDigitsOfLimb(x.digits[x.topIndex]);
+    }
+}
+
+// |x| := |x|^e for e >= 3 and a non-zero x.
+template <class R>
+void powerMagnitude(NumberRecord& x, std::uint32_t e) {
+    // Trailing zero limbs of the final result, taken out as they form.
+    std::uint64_t zeroLimbs = std::uint64_t(x.lowIndex) * e;
+    dropLowLimbs(x, x.lowIndex);
+    auto takeOutZeros = [&](unsigned squaringsLeft) {
+        const std::uint32_t z = x.lowIndex;
+        if (z == 0) return;
+        zeroLimbs += std::uint64_t(z) << squaringsLeft;
+        dropLowLimbs(x, z);
+    };
+    const NumberRecord base(x);
+    const bool singleLimbBase = base.topIndex == 0;
+    const int topBit = std::bit_width(e) - 1;
+    for (int i = topBit - 1; i >= 0; --i) {
+        if (terminateRequested()) {
+            setRecordZero(x);
+            return;
+        }
+        takeOutZeros(unsigned(i + 1));
+        replaceWithProduct<R>(x, x, x);
+        if ((e >> i) & 1u) {
+            takeOutZeros(unsigned(i));
+            if (singleLimbBase)
+                multiplyMagnitudeByWord<R>(x, base.digits[0]);
+            else
+                replaceWithProduct<R>(x, x, base);
+        }
+    }
+    if (terminateRequested()) {
+        setRecordZero(x);
+        return;
+    }
+    insertLowLimbs(x, std::size_t(zeroLimbs));
+}
+
+// x := x^e in place.  0^e is 0 for every e (0^0 included); a negative x turns
+// positive for even e.  A result of more than 2^32 - 1 decimal digits by the
+// estimate e * (digits - 1) records -3 and leaves zero.
+template <class R>
+void powerInPlace(SignedNumber<R>& x, std::uint32_t e) {
+    if (x.isZero()) return;
+    if (x.sign < 0 && e % 2 == 0) x.sign = 1;
+    if (e == 0) {
+        setMagnitudeWord<R>(x.rec(), 1);
+        return;
+    }
+    if (e == 1) return;
+    if (e == 2) {
+        squareInPlace(x);
+        return;
+    }
+    const std::uint64_t digits = digitsForSizeGuard<R>(x.rec());
+    if (std::uint64_t(e) * (digits - 1) > UINT32_MAX) {
+        setLastError(kErrTooLarge);
+        x.setZero();
+        return;
+    }
+    dropTextBuffers(x.rec());
+    powerMagnitude<R>(x.rec(), e);
+    x.normalizeSign();
+}
+
+}  // namespace tw::arith
