@@ -1,6 +1,7 @@
 #include "arith/mul_ladder.h"
 #include "arith/mul_span_ops.h"
-#include "arith/mul_transform.h"
+#include "arith/ntt/transform_lengths.h"
+#include "arith/ntt/transform_multiply.h"
 #include "arith/thresholds.h"
 #include "frame/error_state.h"
 
@@ -9,16 +10,12 @@ namespace tw::arith {
 template <class R>
 void mulUnbalanced(Limb* out, const Limb* L, std::size_t l, const Limb* S, std::size_t s, LimbScratch& scratch) {
     if (terminateRequested()) return;
-    if constexpr (kTransformRung) {
-        // The transform of S is made once and reused for every chunk of L, so
-        // a long enough L pays for it whatever the length of S.
-        std::size_t n = 1;
-        while (n < s) n <<= 1;
-        n *= 2;
-        if (n <= kTransformMaxLength && 4 * (n - s) <= l) {
-            transformProduct<R>(out, L, l, S, s);
-            return;
-        }
+    // The transform of S is made once and reused for every chunk of L, so a
+    // long enough L pays for it whatever the length of S.
+    const std::size_t n = 2 * ntt::nextPowerOfTwo(s);
+    if (n <= kTransformMaxLength && 4 * (n - s) <= l) {
+        transformMultiply<R>(out, L, l, S, s);
+        return;
     }
     // L in pieces of s limbs from the bottom; each piece times S through the
     // ladder (balanced, so the rung suits it) and added in at its offset.

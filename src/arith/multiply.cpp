@@ -9,7 +9,8 @@
 #include "arith/mul_ladder.h"
 #include "arith/mul_scratch.h"
 #include "arith/mul_span_ops.h"
-#include "arith/mul_transform.h"
+#include "arith/ntt/transform_lengths.h"
+#include "arith/ntt/transform_multiply.h"
 #include "arith/sqr_basecase.h"
 #include "arith/thresholds.h"
 #include "frame/error_state.h"
@@ -17,13 +18,6 @@
 namespace tw::arith {
 
 namespace {
-
-// The smallest power of two >= n (n >= 1).
-std::size_t nextPowerOfTwo(std::size_t n) {
-    std::size_t p = 1;
-    while (p < n) p <<= 1;
-    return p;
-}
 
 // The rung for L[0..l) * S[0..s): l >= s >= 1, both spans with non-zero top
 // and bottom limbs.  Only s decides.
@@ -35,23 +29,16 @@ void mulSpans(Limb* out, const Limb* L, std::size_t l, const Limb* S, std::size_
         mulBasecase<R>(out, L, l, S, s);
     } else if (s <= kMulKaratsubaMax) {
         mulKaratsuba<R>(out, L, l, S, s, scratch);
-    } else if (!kTransformRung || s < kMulTransformMin) {
+    } else if (s < kMulTransformMin) {
         mulToom3<R>(out, L, l, S, s, scratch);
-    } else if (transformAccepts(s)) {
-        transformProduct<R>(out, L, l, S, s);
-    } else if (2 * nextPowerOfTwo(s) > kTransformToomLength) {
+    } else if (transformFits(s)) {
+        transformMultiply<R>(out, L, l, S, s);
+    } else if (2 * ntt::nextPowerOfTwo(s) > kTransformToomLength) {
         // Too long for the transform: split until the pieces fit it.
         mulToom3<R>(out, L, l, S, s, scratch);
     } else {
         mulKaratsuba<R>(out, L, l, S, s, scratch);
     }
-}
-
-// The length the transform would use for a square of n limbs: the smallest
-// power of two or three times a power of two that is >= 2n.
-std::size_t squareTransformLength(std::size_t n) {
-    const std::size_t p = nextPowerOfTwo(2 * n);
-    return (p / 4) * 3 >= 2 * n ? (p / 4) * 3 : p;
 }
 
 // The squaring rung for a[0..n), a span with non-zero top and bottom limbs.
@@ -61,12 +48,15 @@ void sqrSpan(Limb* out, const Limb* a, std::size_t n, LimbScratch& scratch) {
         sqrBasecase<R>(out, a, n);
     } else if (n <= kSqrKaratsubaMax) {
         sqrKaratsuba<R>(out, a, n, scratch);
-    } else if (!kTransformRung || n < kSqrTransformMin) {
+    } else if (n < kSqrTransformMin) {
         sqrToom3<R>(out, a, n, scratch);
     } else {
-        const std::size_t length = squareTransformLength(n);
-        if (length <= kTransformMaxLength)
-            transformSquareOf<R>(out, a, n);
+        // The transform length of a square: the allowed length not below 2n.
+        // (Its basic length may still be too long for the transform when
+        // 2n is just above a power of two; Karatsuba then halves it.)
+        const std::size_t length = ntt::roundTransformLength(2 * n);
+        if (length <= kTransformMaxLength && transformFits(n))
+            transformSquare<R>(out, a, n);
         else if (length > kTransformToomLength)
             sqrToom3<R>(out, a, n, scratch);
         else

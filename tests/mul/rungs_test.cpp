@@ -99,10 +99,13 @@ TYPED_TEST(Rungs, Toom3Squares) {
 
 TYPED_TEST(Rungs, UnbalancedProducts) {
     using R = TypeParam;
-    // Pieces of S's length, each through the ladder at the rung s selects;
-    // the last piece shorter.
+    // With N = 2 * (power of two >= s): 4 (N - s) > l cuts L into pieces of
+    // s limbs, each through the ladder at the rung s selects, the last piece
+    // shorter.
     checkProducts<R>(tw::arith::mulUnbalanced<R>,
-                     {{5, 5}, {1000, 1}, {1000, 7}, {1000, 64}, {1001, 65}, {1000, 193}, {1100, 512}}, 41);
+                     {{5, 5}, {5, 1}, {30, 7}, {200, 64}, {700, 65}, {1000, 193}, {1100, 512}}, 41);
+    // Otherwise straight to the transform, whatever the length of S.
+    checkProducts<R>(tw::arith::mulUnbalanced<R>, {{1000, 1}, {1000, 7}, {1000, 64}, {3000, 65}}, 43);
 }
 
 // Whole pieces of zero limbs are skipped and pieces starting with zeros are
