@@ -1,92 +1,154 @@
 #include "radix/digit_conversion.h"
 
 #include <algorithm>
+#include <cmath>
 
-#include "arith/add_sub.h"
 #include "frame/error_state.h"
+#include "radix/chunk_radix.h"
+#include "radix/chunk_tree.h"
+#include "radix/regroup.h"
 
 namespace tw {
 
 namespace {
 
-// The radix as a 64-bit value: 0 stands for 2^32.
-constexpr std::uint64_t radixValue(std::uint32_t radix) { return radix == 0 ? std::uint64_t(1) << 32 : radix; }
+using radix::ChunkRadix;
 
-// acc[0..n) := acc * m + add over radix R, m <= 2^32; returns the new length
-// (acc has room for two more limbs).
-template <class R>
-std::size_t mulAddWord(Limb* acc, std::size_t n, std::uint64_t m, std::uint64_t add) {
-    std::uint64_t carry = add;
-    for (std::size_t i = 0; i < n; ++i) {
-        const u128 t = u128(acc[i]) * m + carry;
-        acc[i] = Limb(t % R::base);
-        carry = std::uint64_t(t / R::base);
+// Digits that are not below the radix (a converter whose radix was changed
+// under its digits) still have a value: sum digit[i] * radix^i.  Carrying the
+// excess upwards gives the proper digits of that value.
+std::vector<std::uint32_t> carryExcess(const std::uint32_t* digits, std::size_t count, std::uint64_t radix) {
+    std::vector<std::uint32_t> out(digits, digits + count);
+    std::uint64_t carry = 0;  // below 2^32: (2^32 - 1 + carry) / 2 < 2^32
+    for (std::uint32_t& d : out) {
+        const std::uint64_t t = d + carry;
+        d = std::uint32_t(t % radix);
+        carry = t / radix;
     }
-    while (carry) {
-        acc[n++] = Limb(carry % R::base);
-        carry /= R::base;
-    }
-    return n;
+    for (; carry != 0; carry /= radix) out.push_back(std::uint32_t(carry % radix));
+    return out;
 }
 
-// a[0..n) := a div d, returns a mod d; d <= 2^32.
-template <class R>
-std::uint64_t divideByWord(Limb* a, std::size_t n, std::uint64_t d) {
-    std::uint64_t rem = 0;
-    for (std::size_t i = n; i-- > 0;) {
-        const u128 cur = u128(rem) * R::base + a[i];
-        a[i] = Limb(cur / d);
-        rem = std::uint64_t(cur % d);
+// Packs digits[0..count) by `digitsPerChunk` into chunks, least significant first.
+std::vector<std::uint32_t> packChunks(const std::uint32_t* digits, std::size_t count, const ChunkRadix& c) {
+    const std::size_t k = c.digitsPerChunk;
+    std::vector<std::uint32_t> chunks((count + k - 1) / k);
+    for (std::size_t j = 0; j < chunks.size(); ++j) {
+        const std::size_t begin = j * k, end = std::min(count, begin + k);
+        std::uint64_t v = 0;
+        for (std::size_t i = end; i-- > begin;) v = v * c.radix + digits[i];
+        chunks[j] = std::uint32_t(v);
     }
-    return rem;
+    return chunks;
+}
+
+// The limbs of the value of the digits, each below the radix; top limbs may be zero.
+template <class R>
+std::vector<Limb> limbsOfDigits(std::uint64_t radixValue, const std::uint32_t* digits, std::size_t count) {
+    if constexpr (R::isBinary) {
+        if (const unsigned j = radix::powerOfTwoExponent(radixValue)) return radix::bitDigitsToLimbs(digits, count, j);
+    } else {
+        if (const unsigned j = radix::powerOfTenExponent(radixValue)) return radix::decimalDigitsToLimbs(digits, count, j);
+    }
+    const ChunkRadix c = radix::chunkRadixOf(radixValue);
+    if (c.digitsPerChunk == 1) return radix::joinChunks<R>(digits, count, c.chunk);
+    const std::vector<std::uint32_t> chunks = packChunks(digits, count, c);
+    return radix::joinChunks<R>(chunks.data(), chunks.size(), c.chunk);
+}
+
+// An upper bound on the chunks of a magnitude of `limbs` limbs.
+template <class R>
+std::size_t chunksBound(std::size_t limbs, std::uint64_t chunk) {
+    const double bits = double(limbs) * radix::limbBits<R>();
+    return std::size_t(bits / std::log2(double(chunk)) * (1 + 1e-12)) + 2;
+}
+
+// Unpacks chunks into digits and drops zero digits at the top.
+std::vector<std::uint32_t> unpackChunks(const std::vector<std::uint32_t>& chunks, const ChunkRadix& c) {
+    std::vector<std::uint32_t> digits;
+    if (c.digitsPerChunk == 1) {
+        digits = chunks;
+    } else {
+        digits.resize(chunks.size() * c.digitsPerChunk);
+        const std::uint32_t r = std::uint32_t(c.radix);
+        std::uint32_t* out = digits.data();
+        for (std::uint32_t v : chunks)
+            for (unsigned i = 0; i < c.digitsPerChunk; ++i) {
+                *out++ = v % r;
+                v /= r;
+            }
+    }
+    while (!digits.empty() && digits.back() == 0) digits.pop_back();
+    return digits;
 }
 
 }  // namespace
 
-// Horner's rule from the top digit, then the bottom zero digits as factors of
-// the radix.  Quadratic.
 template <class R>
 void setFromDigits(NumberRecord& x, std::uint32_t sourceRadix, const std::uint32_t* digits, std::size_t count) {
     dropTextBuffers(x);
     while (count > 0 && digits[count - 1] == 0) --count;
-    std::size_t low = 0;
-    while (low < count && digits[low] == 0) ++low;
     if (count == 0) {
         setRecordZero(x);
         return;
     }
-    const std::uint64_t radix = radixValue(sourceRadix);
-    // Each source digit adds at most 32 bits: ceil(32 / 28) + 1 limbs of either radix.
-    std::vector<Limb> acc(2 * count + 4, 0);
-    std::size_t n = 0;
-    for (std::size_t i = count; i-- > low;) {
-        n = mulAddWord<R>(acc.data(), n, radix, digits[i]);
-        if ((i & 255) == 0 && terminateRequested()) {
-            setRecordZero(x);
-            return;
-        }
+    // Zero digits at the bottom stay in place: the regrouping paths pass them
+    // at no cost and the tree joins zero runs without multiplying them.
+    const std::uint64_t radixValue = radix::radixValue(sourceRadix);
+    std::vector<Limb> limbs;
+    if (radixValue == 1) {
+        // Every power of 1 is 1: the value is the sum of the digits.
+        u128 sum = 0;
+        for (std::size_t i = 0; i < count; ++i) sum += digits[i];
+        for (; sum != 0; sum /= R::base) limbs.push_back(Limb(sum % R::base));
+    } else if (std::any_of(digits, digits + count, [&](std::uint32_t d) { return d >= radixValue; })) {
+        const std::vector<std::uint32_t> proper = carryExcess(digits, count, radixValue);
+        limbs = limbsOfDigits<R>(radixValue, proper.data(), proper.size());
+    } else {
+        limbs = limbsOfDigits<R>(radixValue, digits, count);
     }
-    for (std::size_t i = 0; i < low; ++i) n = mulAddWord<R>(acc.data(), n, radix, 0);
-    resizeStorage(x, std::uint32_t(n), true);
-    if (x.allocated() < n) return;
-    std::copy(acc.begin(), acc.begin() + std::ptrdiff_t(n), x.digits);
-    normalizeIndices(x, std::uint32_t(n));
+    while (!limbs.empty() && limbs.back() == 0) limbs.pop_back();
+    if (terminateRequested() || limbs.empty()) {
+        setRecordZero(x);
+        return;
+    }
+    if (limbs.size() >= UINT32_MAX) {
+        setLastError(kErrTooLarge);
+        setRecordZero(x);
+        return;
+    }
+    const std::uint32_t n = std::uint32_t(limbs.size());
+    resizeStorage(x, n, true);
+    if (x.allocated() < n) return;  // storage exhausted: -3 recorded, x zero
+    std::copy(limbs.begin(), limbs.end(), x.digits);
+    normalizeIndices(x, n);
 }
 
-// Repeated division by the target radix.  Quadratic.
 template <class R>
 std::vector<std::uint32_t> toDigits(const NumberRecord& x, std::uint32_t targetRadix) {
-    std::vector<std::uint32_t> out;
-    if (x.isZero()) return out;
-    const std::uint64_t radix = radixValue(targetRadix);
-    std::vector<Limb> work(x.digits, x.digits + x.topIndex + 1);
-    std::size_t n = work.size();
-    while (n > 0) {
-        out.push_back(std::uint32_t(divideByWord<R>(work.data(), n, radix)));
-        while (n > 0 && work[n - 1] == 0) --n;
-        if ((out.size() & 255) == 0 && terminateRequested()) return {};
+    if (x.isZero()) return {};
+    if (targetRadix == 1) {
+        setLastError(kErrRadix);
+        return {};
     }
-    return out;
+    const std::uint64_t radixValue = radix::radixValue(targetRadix);
+    const Limb* limbs = x.digits;
+    const std::size_t n = x.topIndex + 1;
+    std::vector<std::uint32_t> digits;
+    if constexpr (R::isBinary) {
+        if (const unsigned j = radix::powerOfTwoExponent(radixValue)) digits = radix::limbsToBitDigits(limbs, n, j);
+    } else {
+        if (const unsigned j = radix::powerOfTenExponent(radixValue)) digits = radix::limbsToDecimalDigits(limbs, n, j);
+    }
+    if (digits.empty()) {
+        const ChunkRadix c = radix::chunkRadixOf(radixValue);
+        std::vector<std::uint32_t> chunks(chunksBound<R>(n, c.chunk));
+        radix::splitIntoChunks<R>(chunks.data(), chunks.size(), limbs, n, c.chunk);
+        digits = unpackChunks(chunks, c);
+    }
+    while (!digits.empty() && digits.back() == 0) digits.pop_back();
+    if (terminateRequested()) return {};
+    return digits;
 }
 
 template void setFromDigits<DecimalRadix>(NumberRecord&, std::uint32_t, const std::uint32_t*, std::size_t);

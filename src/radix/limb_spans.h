@@ -1,0 +1,100 @@
+// Small span helpers of the conversion engine: trimmed products into vectors,
+// word multiply-adds, and the bit shifts of binary limbs that let a power of
+// two inside a radix power be applied as a shift instead of a product.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "arith/multiply.h"
+#include "frame/radix.h"
+
+namespace tw::radix {
+
+using Limbs = std::vector<Limb>;
+
+inline void trimTop(Limbs& x) {
+    while (!x.empty() && x.back() == 0) x.pop_back();
+}
+
+// a * b, trimmed; empty when either is empty (zero).  a and b may be the same
+// vector (a square).
+template <class R>
+Limbs productOf(const Limbs& a, const Limbs& b) {
+    if (a.empty() || b.empty()) return {};
+    Limbs out(a.size() + b.size());
+    if (&a == &b)
+        arith::square<R>(out.data(), a.data(), a.size());
+    else if (a.size() >= b.size())
+        arith::multiply<R>(out.data(), a.data(), a.size(), b.data(), b.size());
+    else
+        arith::multiply<R>(out.data(), b.data(), b.size(), a.data(), a.size());
+    trimTop(out);
+    return out;
+}
+
+// x := x * m + add for m <= 2^32, add < 2^35; x grows at the top as needed.
+// limb * m + carry stays below 2^30 * 2^32 + 2^35 < 2^63.
+template <class R>
+void mulAddWord(Limbs& x, std::uint64_t m, std::uint64_t add) {
+    std::uint64_t carry = add;
+    for (Limb& limb : x) {
+        const std::uint64_t t = std::uint64_t(limb) * m + carry;
+        limb = Limb(t % R::base);
+        carry = t / R::base;
+    }
+    for (; carry != 0; carry /= R::base) x.push_back(Limb(carry % R::base));
+}
+
+// acc[offset ..) += src[0..n) * 2^bits (binary limbs, bits < 28).  acc must
+// hold the whole sum: at least offset + n + 1 limbs, and more when the sum
+// carries into them.
+inline void addShiftedBits(Limbs& acc, std::size_t offset, const Limb* src, std::size_t n, unsigned bits) {
+    constexpr unsigned width = BinaryRadix::bitsPerLimb;
+    Limb* out = acc.data() + offset;
+    const std::size_t room = acc.size() - offset;
+    Limb below = 0;  // bits of the previous source limb pushed up into this one
+    Limb carry = 0;
+    std::size_t i = 0;
+    for (; i < n; ++i) {
+        const Limb moved = ((src[i] << bits) & BinaryRadix::mask) | below;
+        below = bits ? src[i] >> (width - bits) : 0;
+        const Limb s = out[i] + moved + carry;
+        carry = s >> width;
+        out[i] = s & BinaryRadix::mask;
+    }
+    for (Limb rest = below + carry; rest != 0 && i < room; ++i) {
+        const Limb s = out[i] + rest;
+        rest = s >> width;
+        out[i] = s & BinaryRadix::mask;
+    }
+}
+
+// src / 2^shift (binary limbs), trimmed.
+inline Limbs shiftedDown(const Limb* src, std::size_t n, std::uint64_t shift) {
+    constexpr unsigned width = BinaryRadix::bitsPerLimb;
+    const std::size_t skip = std::size_t(shift / width);
+    const unsigned bits = unsigned(shift % width);
+    if (skip >= n) return {};
+    Limbs out(n - skip);
+    for (std::size_t i = 0; i < out.size(); ++i) {
+        const Limb above = i + skip + 1 < n ? (src[i + skip + 1] << (width - bits)) & BinaryRadix::mask : 0;
+        out[i] = bits ? (src[i + skip] >> bits) | above : src[i + skip];
+    }
+    trimTop(out);
+    return out;
+}
+
+// src mod 2^shift (binary limbs), not trimmed: ceil(shift / 28) limbs at most.
+inline Limbs lowBits(const Limb* src, std::size_t n, std::uint64_t shift) {
+    constexpr unsigned width = BinaryRadix::bitsPerLimb;
+    const std::size_t whole = std::size_t(shift / width);
+    const unsigned bits = unsigned(shift % width);
+    Limbs out(src, src + std::min(n, whole));
+    if (bits != 0 && whole < n) out.push_back(src[whole] & ((Limb(1) << bits) - 1));
+    return out;
+}
+
+}  // namespace tw::radix
