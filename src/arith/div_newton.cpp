@@ -10,9 +10,13 @@
 
 namespace tw::arith {
 
+namespace {
+
+// divideByReciprocal with its temporaries in `scratch`, which the block loop
+// keeps from one block to the next.
 template <class R>
-int divideByReciprocal(Limb* q, std::size_t qn, Limb* r, const Limb* a, std::size_t an,
-                       const Limb* d, std::size_t dn, const Limb* v, std::size_t p) {
+int divideBlock(std::vector<Limb>& scratch, Limb* q, std::size_t qn, Limb* r, const Limb* a, std::size_t an,
+                const Limb* d, std::size_t dn, const Limb* v, std::size_t p) {
     assert(dn >= 2 && d[dn - 1] != 0 && an >= dn);
     const std::size_t n = an - dn + 1;
     assert(n <= p && qn <= n);
@@ -28,7 +32,7 @@ int divideByReciprocal(Limb* q, std::size_t qn, Limb* r, const Limb* a, std::siz
     // be one above a quotient of n limbs), Q * D, and A - Q * D.
     const std::size_t el = ahl + vl;
     const std::size_t dl = std::max(an, n + 1 + dn);
-    std::vector<Limb> scratch(el + (n + 1) + (n + 1 + dn) + dl);
+    scratch.resize(el + (n + 1) + (n + 1 + dn) + dl);
     Limb* estimateProduct = scratch.data();
     Limb* qe = estimateProduct + el;
     Limb* qd = qe + (n + 1);
@@ -67,6 +71,15 @@ int divideByReciprocal(Limb* q, std::size_t qn, Limb* r, const Limb* a, std::siz
     return correction;
 }
 
+}  // namespace
+
+template <class R>
+int divideByReciprocal(Limb* q, std::size_t qn, Limb* r, const Limb* a, std::size_t an,
+                       const Limb* d, std::size_t dn, const Limb* v, std::size_t p) {
+    std::vector<Limb> scratch;
+    return divideBlock<R>(scratch, q, qn, r, a, an, d, dn, v, p);
+}
+
 template <class R>
 void divideInBlocks(Limb* q, Limb* r, const Limb* a, std::size_t an,
                     const Limb* d, std::size_t dn, const Limb* v, std::size_t p) {
@@ -76,17 +89,17 @@ void divideInBlocks(Limb* q, Limb* r, const Limb* a, std::size_t an,
     // The top block takes the odd part, so that the others are whole.
     const std::size_t first = n - (n - 1) / k * k;
     std::size_t pos = n - first;
-    std::vector<Limb> buffer(dn + k + dn);
+    std::vector<Limb> buffer(dn + k + dn), scratch;
     Limb* window = buffer.data();  // next k limbs of A below the running remainder
     Limb* rem = window + dn + k;
-    divideByReciprocal<R>(q + pos, first, rem, a + pos, an - pos, d, dn, v, p);
+    divideBlock<R>(scratch, q + pos, first, rem, a + pos, an - pos, d, dn, v, p);
     while (pos > 0) {
         if (terminateRequested()) return;
         pos -= k;
         std::copy(a + pos, a + pos + k, window);
         std::copy(rem, rem + dn, window + k);
         // The remainder is below D, so this block's quotient has k limbs.
-        divideByReciprocal<R>(q + pos, k, rem, window, dn + k, d, dn, v, p);
+        divideBlock<R>(scratch, q + pos, k, rem, window, dn + k, d, dn, v, p);
     }
     if (r) std::copy(rem, rem + dn, r);
 }

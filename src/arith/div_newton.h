@@ -15,6 +15,17 @@ inline std::size_t significantLength(const Limb* x, std::size_t n) {
     return n;
 }
 
+// Quotient limbs a block takes at the least: below this the fixed cost of a
+// block outweighs its products, so short divisors get blocks longer than
+// themselves.
+inline constexpr std::size_t kMinBlockQuotientLimbs = 32;
+
+// Reciprocal precision for dividing by a divisor of dn limbs: one block then
+// takes a dividend of dn + max(dn, kMinBlockQuotientLimbs) limbs.
+constexpr std::size_t blockPrecision(std::size_t dn) {
+    return (dn > kMinBlockQuotientLimbs ? dn : kMinBlockQuotientLimbs) + 1;
+}
+
 // One block.  A = a[0..an), D = d[0..dn) with dn >= 2, d[dn-1] != 0,
 // an >= dn; v is a reciprocal of D (contract of reciprocal()) of precision
 // p >= an - dn + 1.  The caller knows A div D < radix^qn, qn <= an - dn + 1.

@@ -63,11 +63,11 @@ void divideMagnitude(Limb* q, Limb* r, const Limb* a, std::size_t an, const Limb
     }
 
     // A long quotient.  Without a given reciprocal, one of the quotient's
-    // precision serves up to 2 bn limbs of dividend; longer dividends go in
-    // blocks of bn quotient limbs with a reciprocal of precision bn + 1.
+    // precision serves a dividend of up to about 2 bn limbs; longer dividends
+    // go in blocks of bn (at least kMinBlockQuotientLimbs) quotient limbs.
     std::vector<Limb> own;
     if (!v) {
-        p = std::min(n, bn + 1);
+        p = std::min(n, blockPrecision(bn));
         own.resize(reciprocalLimbs(p));
         reciprocal<R>(own.data(), b, bn, p);
         if (terminateRequested()) return;

@@ -139,7 +139,7 @@ DivisorReciprocal<R>::DivisorReciprocal(const Limb* d, std::size_t dn) : divisor
     while (d[low] == 0) ++low;
     const std::size_t m = dn - low;
     if (m >= 2) {
-        precision_ = m + 1;
+        precision_ = blockPrecision(m);
         reciprocal_.resize(reciprocalLimbs(precision_));
         reciprocal<R>(reciprocal_.data(), d + low, m, precision_);
         valid_ = !terminateRequested();

@@ -32,9 +32,9 @@ void reciprocal(Limb* v, const Limb* d, std::size_t dn, std::size_t n);
 
 // A divisor with its reciprocal computed once: every divide() reuses it.
 // The divisor is copied; zero limbs at its bottom are set aside as divide()
-// does.  The reciprocal has precision dn' + 1 (dn' the divisor's length above
-// those zero limbs), enough for a dividend of 2 dn' limbs in one step; longer
-// dividends go in blocks of dn' quotient limbs.
+// does.  The reciprocal has precision blockPrecision(dn') (dn' the divisor's
+// length above those zero limbs), enough for a dividend of about 2 dn' limbs
+// in one step; longer dividends go in blocks of that many quotient limbs less one.
 template <class R>
 class DivisorReciprocal {
 public:
