@@ -7,6 +7,7 @@
 
 #include "arith/ntt/crt.h"
 #include "arith/ntt/crt_constants.h"
+#include "arith/ntt/roots_of_unity.h"
 #include "arith/thresholds.h"
 #include "ntt_test_support.h"
 #include "support/limb_oracle.h"
@@ -37,13 +38,16 @@ TEST(TransformPrimes, ShapeAndPrimitiveRoots) {
             EXPECT_NE(ntt::powMod(g, (p - 1) / q, p), 1u) << "q = " << q;
             while (rest % q == 0) rest /= q;
         }
-        // Roots of the largest lengths have exactly their order.
-        const ntt::PrimeConstants c = ntt::primeConstants(i);
-        for (const std::uint64_t order : {std::uint64_t(1) << 25, std::uint64_t(3) << 24}) {
-            const std::uint32_t w = c.rootOfUnity(order);
-            EXPECT_EQ(ntt::powMod(w, order, p), 1u);
-            EXPECT_NE(ntt::powMod(w, order / 2, p), 1u);
-            if (order % 3 == 0) EXPECT_NE(ntt::powMod(w, order / 3, p), 1u);
+        // Every tabled root has exactly its order; inverses are inverses.
+        for (unsigned k = 0; k <= ntt::kMaxRootExponent; ++k) {
+            for (const std::uint64_t order : {std::uint64_t(1) << k, std::uint64_t(3) << k}) {
+                const std::uint32_t w = ntt::rootOfUnity(i, order);
+                EXPECT_EQ(ntt::powMod(w, order, p), 1u) << order;
+                if (order % 2 == 0) EXPECT_NE(ntt::powMod(w, order / 2, p), 1u) << order;
+                if (order % 3 == 0) EXPECT_NE(ntt::powMod(w, order / 3, p), 1u) << order;
+                EXPECT_EQ(ntt::mulMod(w, ntt::rootOfUnity(i, order, true), p), 1u);
+                EXPECT_EQ(ntt::mulMod(std::uint32_t(order % p), ntt::orderInverse(i, order), p), 1u);
+            }
         }
     }
 }
@@ -69,13 +73,14 @@ struct ScaledResidues {
     std::vector<Limb> r[ntt::kPrimeCount];
     ntt::GarnerConstants g;
     ScaledResidues(const std::vector<tw::u128>& sums, std::size_t n) {
-        std::uint32_t factor[ntt::kPrimeCount];
+        std::uint32_t inverseFactor[ntt::kPrimeCount];
         for (std::size_t i = 0; i < ntt::kPrimeCount; ++i) {
             const ntt::PrimeConstants c = ntt::primeConstants(i);
-            factor[i] = ntt::mulMod(std::uint32_t(n % c.p), ntt::invMod(c.montR, c.p), c.p);
-            for (const tw::u128 s : sums) r[i].push_back(ntt::mulMod(std::uint32_t(s % c.p), factor[i], c.p));
+            const std::uint32_t factor = ntt::mulMod(std::uint32_t(n % c.p), ntt::invMod(c.montR, c.p), c.p);
+            inverseFactor[i] = ntt::invMod(factor, c.p);
+            for (const tw::u128 s : sums) r[i].push_back(ntt::mulMod(std::uint32_t(s % c.p), factor, c.p));
         }
-        g = ntt::garnerConstants(factor);
+        g = ntt::garnerConstants(inverseFactor);
     }
 };
 

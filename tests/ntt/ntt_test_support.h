@@ -13,6 +13,7 @@
 #include "arith/ntt/kernel_table.h"
 #include "arith/ntt/prime_field.h"
 #include "arith/ntt/roots.h"
+#include "arith/ntt/roots_of_unity.h"
 #include "arith/ntt/transform_dispatch.h"
 #include "arith/ntt/transform_lengths.h"
 

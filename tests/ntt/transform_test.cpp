@@ -25,7 +25,7 @@ std::vector<std::size_t> lengthsFor(const ntt::TransformKernels& k, std::size_t 
                                        std::vector<std::size_t>& frequencyAt) {
     const std::size_t n = plan.length;
     const std::uint32_t p = plan.prime.p;
-    const std::uint32_t w = plan.prime.rootOfUnity(n);
+    const std::uint32_t w = ntt::rootOfUnity(plan.prime.index, n);
     std::unordered_map<std::uint32_t, std::size_t> logOf;
     std::uint32_t power = 1;
     for (std::size_t e = 0; e < n; ++e, power = ntt::mulMod(power, w, p)) logOf.emplace(power, e);
@@ -72,7 +72,7 @@ TEST_P(TransformPaths, ForwardMatchesDefinition) {
             const PlannedTransform t(k, prime, n);
             std::vector<std::size_t> frequencyAt;
             ASSERT_TRUE(outputOrder(k, t.plan, frequencyAt));
-            const std::uint32_t p = t.plan.prime.p, w = t.plan.prime.rootOfUnity(n);
+            const std::uint32_t p = t.plan.prime.p, w = ntt::rootOfUnity(prime, n);
             // Maximal residues as well as random ones: the butterflies' sums peak there.
             for (const bool maximal : {false, true}) {
                 const std::vector<Limb> x = maximal ? std::vector<Limb>(n, p - 1) : randomResidues(rng, n, p);

@@ -40,17 +40,23 @@ struct GarnerConstants {
     std::uint32_t k2, k2s, v, vs, w, ws;
 };
 
-// Constants for residues scaled by factor[i] (mod p_i).
-constexpr GarnerConstants garnerConstants(const std::uint32_t (&factor)[kPrimeCount]) {
+// Constants for residues scaled by factors f_i, given their inverses 1/f_i mod p_i.
+constexpr GarnerConstants garnerConstants(const std::uint32_t (&inverseFactor)[kPrimeCount]) {
     GarnerConstants g{};
     for (std::size_t i = 0; i < kPrimeCount; ++i) g.prime[i] = primeConstants(i);
     const std::uint32_t p0 = g.prime[0].p, p1 = g.prime[1].p, p2 = g.prime[2].p;
-    g.k0 = invMod(factor[0], p0);
-    g.u1 = invMod(p0 % p1, p1);
-    g.k1 = mulMod(g.u1, invMod(factor[1], p1), p1);
-    g.v = invMod(mulMod(p0 % p2, p1 % p2, p2), p2);
-    g.w = invMod(p1 % p2, p2);
-    g.k2 = mulMod(g.v, invMod(factor[2], p2), p2);
+    // The factor-free constants fold at compile time when the call is constant.
+    constexpr std::uint32_t u1 = invMod(kTransformPrimes[0].p % kTransformPrimes[1].p, kTransformPrimes[1].p);
+    constexpr std::uint32_t v = invMod(mulMod(kTransformPrimes[0].p % kTransformPrimes[2].p,
+                                              kTransformPrimes[1].p % kTransformPrimes[2].p, kTransformPrimes[2].p),
+                                       kTransformPrimes[2].p);
+    constexpr std::uint32_t w = invMod(kTransformPrimes[1].p % kTransformPrimes[2].p, kTransformPrimes[2].p);
+    g.k0 = inverseFactor[0];
+    g.u1 = u1;
+    g.k1 = mulMod(u1, inverseFactor[1], p1);
+    g.v = v;
+    g.w = w;
+    g.k2 = mulMod(v, inverseFactor[2], p2);
     g.k0s = shoupCompanion(g.k0, p0);
     g.u1s = shoupCompanion(g.u1, p1);
     g.k1s = shoupCompanion(g.k1, p1);

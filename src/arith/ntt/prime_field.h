@@ -74,31 +74,45 @@ constexpr std::uint32_t shoupMulLazy(std::uint32_t x, std::uint32_t w, std::uint
 
 // The constants of one prime the kernels need at run time.
 struct PrimeConstants {
+    std::size_t index;
     std::uint32_t p;
     std::uint32_t pinv;       // p^-1 mod 2^32 (signed Montgomery reduction)
     std::uint32_t negPinv;    // -p^-1 mod 2^32 (Shoup companion from Montgomery form)
-    std::uint32_t montR;      // 2^32 mod p
-    std::uint32_t generator;
-
-    // A primitive root of unity of the given order (order divides p - 1).
-    constexpr std::uint32_t rootOfUnity(std::uint64_t order) const {
-        return powMod(generator, (p - 1) / order, p);
-    }
+    std::uint32_t montR;      // 2^32 mod p: the Montgomery form of 1
+    std::uint32_t montR2;     // 2^64 mod p: Montgomery product by it converts to Montgomery form
 };
 
 constexpr PrimeConstants primeConstants(std::size_t index) {
-    const TransformPrime& t = kTransformPrimes[index];
-    const std::uint32_t pinv = inverseModWord(t.p);
-    return {t.p, pinv, 0u - pinv, std::uint32_t((std::uint64_t(1) << 32) % t.p), t.primitiveRoot};
+    const std::uint32_t p = kTransformPrimes[index].p;
+    const std::uint32_t pinv = inverseModWord(p);
+    const std::uint32_t r = std::uint32_t((std::uint64_t(1) << 32) % p);
+    return {index, p, pinv, 0u - pinv, r, mulMod(r, r, p)};
 }
 
-// Montgomery form x * 2^32 mod p of x < p.
-constexpr std::uint32_t toMontgomery(std::uint32_t x, const PrimeConstants& c) {
-    return std::uint32_t((std::uint64_t(x) << 32) % c.p);
+// Signed Montgomery product a b / 2^32 mod p in [0, p) for a b < 2^32 p:
+// m = ab p^-1 mod 2^32 makes ab - mp divisible by 2^32, so the high words'
+// difference is the quotient, in (-p, p).  No division, unlike mulMod.
+constexpr std::uint32_t montMul(std::uint32_t a, std::uint32_t b, const PrimeConstants& c) {
+    const std::uint64_t t = std::uint64_t(a) * b;
+    const std::uint32_t m = std::uint32_t(t) * c.pinv;
+    const std::uint32_t hi = std::uint32_t(t >> 32);
+    const std::uint32_t mpHi = std::uint32_t((std::uint64_t(m) * c.p) >> 32);
+    return hi >= mpHi ? hi - mpHi : hi - mpHi + c.p;
 }
+
+// Montgomery form x 2^32 mod p of x < p.
+constexpr std::uint32_t toMontgomery(std::uint32_t x, const PrimeConstants& c) { return montMul(x, c.montR2, c); }
+constexpr std::uint32_t fromMontgomery(std::uint32_t xm, const PrimeConstants& c) { return montMul(xm, 1, c); }
+
+// Shoup's companion of w from its Montgomery form m = w 2^32 mod p: the
+// companion q = floor(w 2^32 / p) satisfies q p = w 2^32 - m, so q = -m / p mod 2^32.
+constexpr std::uint32_t shoupCompanionOfMontgomery(std::uint32_t m, const PrimeConstants& c) { return m * c.negPinv; }
 
 static_assert(inverseModWord(kTransformPrimes[0].p) * kTransformPrimes[0].p == 1u);
 static_assert(inverseModWord(kTransformPrimes[2].p) * kTransformPrimes[2].p == 1u);
+static_assert(shoupCompanionOfMontgomery(toMontgomery(12345, primeConstants(1)), primeConstants(1)) ==
+              shoupCompanion(12345, kTransformPrimes[1].p));
+static_assert(montMul(toMontgomery(77, primeConstants(2)), 1000, primeConstants(2)) == 77000);
 static_assert(shoupMulLazy(0xFFFFFFFFu, 0x42000000u, shoupCompanion(0x42000000u, 0x42000001u), 0x42000001u) % 0x42000001u ==
               mulMod(0xFFFFFFFFu % 0x42000001u, 0x42000000u, 0x42000001u));
 

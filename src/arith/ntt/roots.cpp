@@ -1,5 +1,7 @@
 #include "arith/ntt/roots.h"
 
+#include "arith/ntt/roots_of_unity.h"
+
 namespace tw::arith::ntt {
 
 namespace {
@@ -7,8 +9,7 @@ namespace {
 void fillLevels(Limb* roots, Limb* companions, const PrimeConstants& c, bool inverse) {
     roots[0] = companions[0] = 0;
     for (std::size_t h = 1; h < kLeafLength; h *= 2) {
-        std::uint32_t w = c.rootOfUnity(2 * h);
-        if (inverse) w = invMod(w, c.p);
+        const std::uint32_t w = rootOfUnity(c.index, 2 * h, inverse);
         std::uint32_t power = 1;
         for (std::size_t j = 0; j < h; ++j) {
             roots[h + j] = power;
@@ -72,11 +73,12 @@ TransformPlan makePlan(std::size_t primeIndex, std::size_t length, const TopRoot
     plan.forward = top.forward(primeIndex);
     plan.inverse = top.inverse(primeIndex);
     if (plan.hasRadix3()) {
+        // w^M for the N-th root w = g^((p-1)/N) is g^((p-1)/3), the table's cube root.
         const std::uint32_t p = plan.prime.p;
-        plan.root = plan.prime.rootOfUnity(length);
-        plan.rootInverse = invMod(plan.root, p);
-        plan.cubeRoot = powMod(plan.root, plan.blockLength, p);
-        plan.cubeRootInverse = mulMod(plan.cubeRoot, plan.cubeRoot, p);
+        plan.root = rootOfUnity(primeIndex, length);
+        plan.rootInverse = rootOfUnity(primeIndex, length, true);
+        plan.cubeRoot = rootOfUnity(primeIndex, 3);
+        plan.cubeRootInverse = rootOfUnity(primeIndex, 3, true);
         plan.cubeRootCompanion = shoupCompanion(plan.cubeRoot, p);
         plan.cubeRootInverseCompanion = shoupCompanion(plan.cubeRootInverse, p);
     }

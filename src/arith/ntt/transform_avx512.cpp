@@ -8,6 +8,7 @@
 
 #include "arith/ntt/kernel_table.h"
 #include "arith/ntt/prime_field.h"
+#include "arith/ntt/roots_of_unity.h"
 #include "arith/ntt/transform_plan.h"
 
 #pragma GCC push_options

@@ -21,6 +21,7 @@
 #include "arith/ntt/kernel_table.h"
 #include "arith/ntt/modular_lanes.h"
 #include "arith/ntt/prime_field.h"
+#include "arith/ntt/roots_of_unity.h"
 #include "arith/ntt/transform_plan.h"
 
 namespace tw::arith::ntt {
@@ -212,17 +213,17 @@ private:
         Reg value, step, stepCompanion;
         RootChain(const TransformPlan& plan, std::uint32_t root, std::uint32_t e) {
             const PrimeConstants& c = plan.prime;
-            const std::uint32_t r = powMod(root, e, c.p);
+            std::uint32_t base = toMontgomery(root, c);
+            if (e == 2) base = montMul(base, base, c);
             alignas(64) Limb start[L];
             std::uint32_t power = c.montR;
             for (std::size_t i = 0; i < L; ++i) {
                 start[i] = power;
-                power = mulMod(power, r, c.p);
+                power = montMul(power, base, c);
             }
             value = V::load(start);
-            const std::uint32_t s = powMod(r, L, c.p);
-            step = V::broadcast(s);
-            stepCompanion = V::broadcast(shoupCompanion(s, c.p));
+            step = V::broadcast(fromMontgomery(power, c));
+            stepCompanion = V::broadcast(shoupCompanionOfMontgomery(power, c));
         }
         void advance(const LaneField<V>& f) { value = f.mulShoup(value, step, stepCompanion); }
     };
@@ -371,16 +372,15 @@ void buildTopRoots(Limb* roots, Limb* companions, std::size_t blockLength, const
     const LaneField<V> f(prime);
     const Reg one = V::broadcast(1), negPinv = V::broadcast(prime.negPinv);
     for (std::size_t h = kLeafLength; h < blockLength; h *= 2) {
-        std::uint32_t w = prime.rootOfUnity(2 * h);
-        if (inverse) w = invMod(w, prime.p);
+        const std::uint32_t w = toMontgomery(rootOfUnity(prime.index, 2 * h, inverse), prime);
         alignas(64) Limb start[L];
         std::uint32_t power = prime.montR;
         for (std::size_t i = 0; i < L; ++i) {
             start[i] = power;
-            power = mulMod(power, w, prime.p);
+            power = montMul(power, w, prime);
         }
-        const std::uint32_t s = powMod(w, L, prime.p);
-        const Reg step = V::broadcast(s), stepCompanion = V::broadcast(shoupCompanion(s, prime.p));
+        const Reg step = V::broadcast(fromMontgomery(power, prime));
+        const Reg stepCompanion = V::broadcast(shoupCompanionOfMontgomery(power, prime));
         Reg m = V::load(start);
         Limb* r = roots + (h - kLeafLength);
         Limb* c = companions + (h - kLeafLength);

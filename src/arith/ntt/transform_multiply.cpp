@@ -8,6 +8,7 @@
 #include "arith/ntt/aligned_words.h"
 #include "arith/ntt/crt.h"
 #include "arith/ntt/roots.h"
+#include "arith/ntt/roots_of_unity.h"
 #include "arith/ntt/transform_dispatch.h"
 #include "arith/ntt/transform_lengths.h"
 #include "arith/thresholds.h"
@@ -44,14 +45,15 @@ void loadResidues(Limb* x, std::size_t length, const Span& src) {
 std::size_t blockLengthOf(std::size_t length) { return (length & (length - 1)) == 0 ? length : length / 3; }
 
 // Garner constants for residues left by a convolution of the given length:
-// the inverse transform multiplies by N, the Montgomery pointwise product by 2^-32.
+// the inverse transform multiplies by N, the Montgomery pointwise product by
+// 2^-32, so the residues are undone by 2^32 / N.
 GarnerConstants garnerForLength(std::size_t length) {
-    std::uint32_t factor[kPrimeCount];
+    std::uint32_t inverseFactor[kPrimeCount];
     for (std::size_t i = 0; i < kPrimeCount; ++i) {
         const PrimeConstants c = primeConstants(i);
-        factor[i] = mulMod(std::uint32_t(length % c.p), invMod(c.montR, c.p), c.p);
+        inverseFactor[i] = mulMod(c.montR, orderInverse(i, length), c.p);
     }
-    return garnerConstants(factor);
+    return garnerConstants(inverseFactor);
 }
 
 // out[0 .. n] := a[0..n) * m.
