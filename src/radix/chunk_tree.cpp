@@ -12,11 +12,23 @@ namespace tw::radix {
 
 namespace {
 
-// Chunks a leaf of the tree holds.  Horner's rule and repeated division by
-// the chunk cost about leaf^2 / 2 word steps there, and beat the products and
-// divisions of the tree up to these lengths.
-constexpr std::size_t kJoinLeaf = 32;
+// Most chunks a leaf of the tree holds.  Horner's rule and repeated division
+// by the chunk cost about leaf^2 / 2 word steps there, and beat the products
+// and divisions of the tree up to these lengths.  Binary limbs take Horner's
+// rule in 64-bit words, two chunks a step, which pays off further up.
+template <class R>
+constexpr std::size_t kJoinLeaf = R::isBinary ? 256 : 32;
 constexpr std::size_t kSplitLeaf = 32;
+
+// The leaf for a run of `count` chunks: count / 2^L rounded up, for the
+// smallest L that brings it to at most `most`.  Every split of the tree then
+// halves a run of leaf * 2^L chunks, so the top power is half the number and
+// no power is larger than the products that use it.
+std::size_t leafFor(std::size_t count, std::size_t most) {
+    unsigned levels = 0;
+    while (((count - 1) >> levels) + 1 > most) ++levels;
+    return ((count - 1) >> levels) + 1;
+}
 
 // low + high * 2^shift (binary) or low + high (decimal), trimmed; consumes low.
 template <class R>
@@ -35,14 +47,16 @@ Limbs addAtShift(Limbs low, const Limbs& high, std::uint64_t shift) {
 template <class R>
 class Joiner {
 public:
-    Joiner(const std::uint32_t* chunks, std::uint64_t chunk) : chunks_(chunks), chunk_(chunk), powers_(chunk, kJoinLeaf) {}
+    Joiner(const std::uint32_t* chunks, std::size_t count, std::uint64_t chunk)
+        : chunks_(chunks), chunk_(chunk), powers_(chunk, leafFor(count, kJoinLeaf<R>)) {}
 
     // The value of chunks[begin .. begin + count).
     Limbs join(std::size_t begin, std::size_t count) {
-        if (count <= kJoinLeaf) return horner(begin, count);
+        const std::size_t leaf = powers_.leaf();
+        if (count <= leaf) return horner(begin, count);
         if (terminateRequested()) return {};
-        const unsigned level = ChunkPowers<R>::levelFor(count, kJoinLeaf);
-        const std::size_t half = kJoinLeaf << level;
+        const unsigned level = ChunkPowers<R>::levelFor(count, leaf);
+        const std::size_t half = leaf << level;
         const Limbs high = join(begin + half, count - half);
         Limbs low = join(begin, half);
         if (high.empty()) return low;
@@ -51,8 +65,48 @@ public:
 
 private:
     Limbs horner(std::size_t begin, std::size_t count) {
+        if constexpr (R::isBinary) {
+            return hornerInWords(chunks_ + begin, count);
+        } else {
+            Limbs x;
+            for (std::size_t j = begin + count; j-- > begin;) mulAddWord<R>(x, chunk_, chunks_[j]);
+            return x;
+        }
+    }
+
+    // Horner's rule in 64-bit words, two chunks a step (chunk^2 < 2^64: a
+    // chunk that is a power of two never reaches the tree), then the bits
+    // regrouped into limbs: a quarter of the steps of limb-wise Horner, each
+    // on a word that holds more than two limbs.
+    Limbs hornerInWords(const std::uint32_t* chunks, std::size_t count) const {
+        std::uint64_t words[kJoinLeaf<R> / 2 + 2];
+        std::size_t n = 0;
+        auto mulAdd = [&](std::uint64_t m, std::uint64_t add) {
+            std::uint64_t carry = add;
+            for (std::size_t i = 0; i < n; ++i) {
+                const u128 t = u128(words[i]) * m + carry;
+                words[i] = std::uint64_t(t);
+                carry = std::uint64_t(t >> 64);
+            }
+            if (carry != 0) words[n++] = carry;
+        };
+        std::size_t j = count;
+        if (j % 2 != 0) mulAdd(chunk_, chunks[--j]);
+        const std::uint64_t square = chunk_ * chunk_;
+        for (; j >= 2; j -= 2) mulAdd(square, chunks[j - 1] * chunk_ + chunks[j - 2]);
         Limbs x;
-        for (std::size_t j = begin + count; j-- > begin;) mulAddWord<R>(x, chunk_, chunks_[j]);
+        x.reserve(n * 64 / BinaryRadix::bitsPerLimb + 1);
+        u128 pending = 0;
+        unsigned held = 0;
+        for (std::size_t i = 0; i < n; ++i) {
+            pending |= u128(words[i]) << held;
+            for (held += 64; held >= BinaryRadix::bitsPerLimb; held -= BinaryRadix::bitsPerLimb) {
+                x.push_back(Limb(pending) & BinaryRadix::mask);
+                pending >>= BinaryRadix::bitsPerLimb;
+            }
+        }
+        if (held > 0) x.push_back(Limb(pending));
+        trimTop(x);
         return x;
     }
 
@@ -64,7 +118,7 @@ private:
 template <class R>
 class Splitter {
 public:
-    explicit Splitter(std::uint64_t chunk) : divisor_(chunk), powers_(chunk, kSplitLeaf) {}
+    Splitter(std::size_t count, std::uint64_t chunk) : divisor_(chunk), powers_(chunk, leafFor(count, kSplitLeaf)) {}
 
     // out[0..count) := the chunks of x < chunk^count.
     void split(std::uint32_t* out, std::size_t count, Limbs x) {
@@ -73,13 +127,14 @@ public:
             std::fill(out, out + count, 0);
             return;
         }
-        if (count <= kSplitLeaf) {
+        const std::size_t leaf = powers_.leaf();
+        if (count <= leaf) {
             divideOut(out, count, x);
             return;
         }
         if (terminateRequested()) return;
-        const unsigned level = ChunkPowers<R>::levelFor(count, kSplitLeaf);
-        const std::size_t half = kSplitLeaf << level;
+        const unsigned level = ChunkPowers<R>::levelFor(count, leaf);
+        const std::size_t half = leaf << level;
         Limbs quotient, remainder;
         if constexpr (R::isBinary) {
             // x = (top * 2^s) + bottom; top = q * odd + r'; remainder = r' * 2^s + bottom.
@@ -128,13 +183,13 @@ private:
 
 template <class R>
 std::vector<Limb> joinChunks(const std::uint32_t* chunks, std::size_t count, std::uint64_t chunk) {
-    Joiner<R> joiner(chunks, chunk);
+    Joiner<R> joiner(chunks, count, chunk);
     return joiner.join(0, count);
 }
 
 template <class R>
 void splitIntoChunks(std::uint32_t* out, std::size_t count, const Limb* x, std::size_t n, std::uint64_t chunk) {
-    Splitter<R> splitter(chunk);
+    Splitter<R> splitter(count, chunk);
     splitter.split(out, count, Limbs(x, x + n));
 }
 
