@@ -5,3 +5,26 @@
 #include "api/integer_family.inc"
 #include "api/integer_conversion.inc"
 #include "api/integer_text.inc"
+
+// ---- packed text: the magnitude as radix 2^8 (A) or 2^16 (W) characters ----
+#include "text/packed_text.h"
+#include "text/wide_units.h"
+
+extern "C" {
+
+TW_API const char *TW_CALL HX_getTextA(HX_handle h) {
+    return tw::queryNumbers<const char *>(nullptr, [](Number& x) { return tw::text::packedText<char>(x); }, h);
+}
+TW_API const tw_wchar *TW_CALL HX_getTextW(HX_handle h) {
+    return tw::text::toWide(
+        tw::queryNumbers<const char16_t *>(nullptr, [](Number& x) { return tw::text::packedText<char16_t>(x); }, h));
+}
+TW_API HX_handle TW_CALL HX_setTextA(HX_handle h, const char *text) {
+    return tw::updateNumbers([text](Number& x) { tw::text::setFromPackedText(x, text); }, h);
+}
+TW_API HX_handle TW_CALL HX_setTextW(HX_handle h, const tw_wchar *text) {
+    const char16_t *units = tw::text::fromWide(text);
+    return tw::updateNumbers([units](Number& x) { tw::text::setFromPackedText(x, units); }, h);
+}
+
+}  // extern "C"
