@@ -33,7 +33,7 @@ std::vector<std::size_t> lengthsFor(const ntt::TransformKernels& k, std::size_t 
 
     std::vector<Limb> unit(n, 0);
     unit[1] = 1;
-    k.forward(unit.data(), plan);
+    k.forward(unit.data(), unit.data(), n, plan);
     frequencyAt.assign(n, 0);
     std::vector<bool> seen(n, false);
     for (std::size_t q = 0; q < n; ++q) {
@@ -77,7 +77,7 @@ TEST_P(TransformPaths, ForwardMatchesDefinition) {
             for (const bool maximal : {false, true}) {
                 const std::vector<Limb> x = maximal ? std::vector<Limb>(n, p - 1) : randomResidues(rng, n, p);
                 std::vector<Limb> y = x;
-                k.forward(y.data(), t.plan);
+                k.forward(y.data(), y.data(), n, t.plan);
                 for (const std::size_t q : positionsToCheck(n, rng))
                     ASSERT_EQ(y[q], dftAt(x, w, frequencyAt[q], p)) << "position " << q;
             }
@@ -95,10 +95,47 @@ TEST_P(TransformPaths, InverseUndoesForward) {
             const std::uint32_t p = t.plan.prime.p;
             const std::vector<Limb> x = randomResidues(rng, n, p);
             std::vector<Limb> y = x;
-            k.forward(y.data(), t.plan);
+            k.forward(y.data(), y.data(), n, t.plan);
             k.inverse(y.data(), t.plan);
             const std::uint32_t scale = std::uint32_t(n % p);
             for (std::size_t i = 0; i < n; ++i) ASSERT_EQ(y[i], ntt::mulMod(x[i], scale, p)) << "index " << i;
+        }
+    }
+}
+
+// A source shorter than the transform is taken as padded with zeros: the first
+// layer's shortcuts for padding (in each third of a 3 * 2^k length, in the
+// upper half of a 2^k one, ragged ends inside a register) change nothing.
+TEST_P(TransformPaths, ShortSourcesActAsZeroPadded) {
+    const ntt::TransformKernels& k = *GetParam().kernels;
+    std::mt19937_64 rng(kSeed + 3);
+    for (std::size_t prime = 0; prime < ntt::kPrimeCount; ++prime) {
+        for (const std::size_t n : lengthsFor(k, 4, 1 << 14)) {
+            const PlannedTransform t(k, prime, n);
+            const std::uint32_t p = t.plan.prime.p;
+            std::vector<Limb> y = randomResidues(rng, n, p);
+            k.forward(y.data(), y.data(), n, t.plan);
+            for (const std::size_t len : {std::size_t(1), n / 3 - 1, n / 3 + 5, n / 2 - 1, n / 2 + 3, 2 * n / 3 + 1,
+                                          n - 7}) {
+                if (len == 0 || len > n) continue;
+                SCOPED_TRACE("prime " + std::to_string(prime) + " length " + std::to_string(n) + " source " +
+                             std::to_string(len));
+                const std::vector<Limb> src = randomResidues(rng, len, p);
+                std::vector<Limb> padded(n, 0), got(n, 0x77777777u);
+                std::copy(src.begin(), src.end(), padded.begin());
+                std::vector<Limb> expected = padded;
+                k.forward(expected.data(), expected.data(), n, t.plan);
+                k.forward(got.data(), src.data(), len, t.plan);
+                ASSERT_EQ(got, expected);
+                expected = padded;
+                k.convolve(expected.data(), expected.data(), n, y.data(), t.plan);
+                k.convolve(got.data(), src.data(), len, y.data(), t.plan);
+                ASSERT_EQ(got, expected);
+                expected = padded;
+                k.squareConvolve(expected.data(), expected.data(), n, t.plan);
+                k.squareConvolve(got.data(), src.data(), len, t.plan);
+                ASSERT_EQ(got, expected);
+            }
         }
     }
 }
@@ -116,15 +153,15 @@ TEST_P(TransformPaths, ConvolutionMatchesDefinition) {
             const std::uint32_t scale = ntt::mulMod(std::uint32_t(n % p), ntt::invMod(t.plan.prime.montR, p), p);
             const std::vector<Limb> x = randomResidues(rng, n, p), y = randomResidues(rng, n, p);
             std::vector<Limb> ty = y, product = x;
-            k.forward(ty.data(), t.plan);
-            k.convolve(product.data(), ty.data(), t.plan);
+            k.forward(ty.data(), ty.data(), n, t.plan);
+            k.convolve(product.data(), product.data(), n, ty.data(), t.plan);
             for (const std::size_t q : positionsToCheck(n, rng))
                 ASSERT_EQ(product[q], ntt::mulMod(cyclicConvolutionAt(x, y, q, p), scale, p)) << "index " << q;
 
             std::vector<Limb> tx = x, viaConvolve = x, square = x;
-            k.forward(tx.data(), t.plan);
-            k.convolve(viaConvolve.data(), tx.data(), t.plan);
-            k.squareConvolve(square.data(), t.plan);
+            k.forward(tx.data(), tx.data(), n, t.plan);
+            k.convolve(viaConvolve.data(), viaConvolve.data(), n, tx.data(), t.plan);
+            k.squareConvolve(square.data(), square.data(), n, t.plan);
             ASSERT_EQ(square, viaConvolve);
         }
     }

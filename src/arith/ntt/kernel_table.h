@@ -16,16 +16,17 @@ namespace tw::arith::ntt {
 
 struct TransformKernels {
     std::size_t lanes;
-    // x[0..N) := transform of x (residues in [0, p)).  O(N log N).
-    void (*forward)(Limb* x, const TransformPlan& plan);
+    // x[0..N) := transform of src[0..len) padded with zeros (len <= N, src may
+    // be x; limbs of either radix are residues already).  O(N log N).
+    void (*forward)(Limb* x, const Limb* src, std::size_t len, const TransformPlan& plan);
     // x[0..N) := N * (inverse transform of x): undoes forward up to the factor N.
     void (*inverse)(Limb* x, const TransformPlan& plan);
-    // x[0..N) := N * 2^-32 * (cyclic convolution of x with y), y the forward
-    // transform of the other factor.  Forward, pointwise Montgomery product and
-    // inverse run block by block while a block is in cache.
-    void (*convolve)(Limb* x, const Limb* y, const TransformPlan& plan);
-    // x[0..N) := N * 2^-32 * (cyclic convolution of x with itself).
-    void (*squareConvolve)(Limb* x, const TransformPlan& plan);
+    // x[0..N) := N * 2^-32 * (cyclic convolution of src[0..len) padded with y),
+    // y the forward transform of the other factor.  Forward, pointwise
+    // Montgomery product and inverse run block by block while a block is in cache.
+    void (*convolve)(Limb* x, const Limb* src, std::size_t len, const Limb* y, const TransformPlan& plan);
+    // x[0..N) := N * 2^-32 * (cyclic convolution of src[0..len) padded with itself).
+    void (*squareConvolve)(Limb* x, const Limb* src, std::size_t len, const TransformPlan& plan);
     // Roots (and Shoup companions) of the levels kLeafLength <= h < M in level
     // layout, of w_2h^j or, when inverse, w_2h^-j; M - kLeafLength words each.
     void (*buildTopRoots)(Limb* roots, Limb* companions, std::size_t blockLength, const PrimeConstants& prime,

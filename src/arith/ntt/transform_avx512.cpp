@@ -3,6 +3,7 @@
 // carry the AVX-512F target; the dispatcher calls them only on CPUs that have it.
 #include <immintrin.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 

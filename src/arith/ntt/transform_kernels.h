@@ -15,6 +15,7 @@
 // leaf while it is in cache.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -133,6 +134,32 @@ public:
         }
     }
 
+    // x[0..n) := forward transform of src[0..len) padded with zeros (src may be x).
+    void forwardFrom(Limb* x, const Limb* src, std::size_t len, std::size_t n) const {
+        if (n <= kLeafLength) {
+            loadBlock(x, src, len, n);
+            leafForward(x, n);
+            return;
+        }
+        firstLevelFrom(x, src, len, n);
+        forward(x, n / 2);
+        forward(x + n / 2, n / 2);
+    }
+
+    // x[0..n) := inverse(forward(src padded) * y) (y := the forward transform itself when Square).
+    template <bool Square>
+    void convolveFrom(Limb* x, const Limb* src, std::size_t len, const Limb* y, std::size_t n) const {
+        if (n <= kLeafLength) {
+            loadBlock(x, src, len, n);
+            leafConvolve<Square>(x, y, n);
+            return;
+        }
+        firstLevelFrom(x, src, len, n);
+        convolve<Square>(x, y, n / 2);
+        convolve<Square>(x + n / 2, y + n / 2, n / 2);
+        inverseLevel(x, n, n / 2);
+    }
+
     // Forward transform of the power-of-two block x[0..n), n >= 2L.
     void forward(Limb* x, std::size_t n) const {
         if (n <= kLeafLength) {
@@ -168,23 +195,41 @@ public:
         inverseLevel(x, n, n / 2);
     }
 
-    // Radix-3 layer over x[0..3M): with a, b, c the words j of the three thirds
-    // and c3 the cube root, the thirds become a + b + c,
-    // (a + c3 b + c3^2 c) w^j and (a + c3^2 b + c3 c) w^2j (w the N-th root);
-    // c3 + c3^2 = -1 leaves one product by c3.
-    void radix3Forward(Limb* x) const {
+    // Radix-3 layer from src[0..len) (zeros past len) into x[0..3M): with
+    // a, b, c the words j of the three thirds and c3 the cube root, the thirds
+    // become a + b + c, (a + c3 b + c3^2 c) w^j and (a + c3^2 b + c3 c) w^2j (w the
+    // N-th root); c3 + c3^2 = -1 leaves one product by c3.  Where the padding
+    // makes c, or b and c, zero the shorter forms run, and past len only zeros.
+    void radix3ForwardFrom(Limb* x, const Limb* src, std::size_t len) const {
         const std::size_t m = plan_.blockLength;
         RootChain c1(plan_, plan_.root, 1), c2(plan_, plan_.root, 2);
         const Reg w3 = V::broadcast(plan_.cubeRoot), w3s = V::broadcast(plan_.cubeRootCompanion);
-        for (std::size_t j = 0; j < m; j += L) {
-            const Reg a = V::load(x + j), b = V::load(x + m + j), c = V::load(x + 2 * m + j);
-            const Reg t = f_.mulShoup(f_.subLazy(b, c), w3, w3s);
-            V::store(x + j, f_.add(f_.add(a, b), c));
-            V::store(x + m + j, f_.mulMontgomery(f_.add(f_.sub(a, c), t), c1.value));
-            V::store(x + 2 * m + j, f_.mulMontgomery(f_.sub(f_.sub(a, b), t), c2.value));
+        std::size_t j = 0;
+        for (; j < m && j < len; j += L) {
+            const Reg a = loadPadded(src, j, len);
+            Reg y0 = a, y1 = a, y2 = a;
+            if (m + j < len) {
+                const Reg b = loadPadded(src, m + j, len);
+                if (2 * m + j < len) {
+                    const Reg c = loadPadded(src, 2 * m + j, len);
+                    const Reg t = f_.mulShoup(f_.subLazy(b, c), w3, w3s);
+                    y0 = f_.add(f_.add(a, b), c);
+                    y1 = f_.add(f_.sub(a, c), t);
+                    y2 = f_.sub(f_.sub(a, b), t);
+                } else {
+                    const Reg t = f_.mulShoup(b, w3, w3s);
+                    y0 = f_.add(a, b);
+                    y1 = f_.add(a, t);
+                    y2 = f_.sub(f_.sub(a, b), t);
+                }
+            }
+            V::store(x + j, y0);
+            V::store(x + m + j, f_.mulMontgomery(y1, c1.value));
+            V::store(x + 2 * m + j, f_.mulMontgomery(y2, c2.value));
             c1.advance(f_);
             c2.advance(f_);
         }
+        for (std::size_t r = 0; r < 3; ++r) std::fill(x + r * m + j, x + (r + 1) * m, Limb(0));
     }
 
     // Undoes radix3Forward up to a factor 3.
@@ -227,6 +272,42 @@ private:
         }
         void advance(const LaneField<V>& f) { value = f.mulShoup(value, step, stepCompanion); }
     };
+
+    // src[i .. i+L) with zeros at and past len (i < len).
+    static Reg loadPadded(const Limb* src, std::size_t i, std::size_t len) {
+        if (i + L <= len) return V::load(src + i);
+        alignas(64) Limb t[L] = {};
+        for (std::size_t k = 0; i + k < len; ++k) t[k] = src[i + k];
+        return V::load(t);
+    }
+
+    static void loadBlock(Limb* x, const Limb* src, std::size_t len, std::size_t n) {
+        if (src != x) std::copy(src, src + len, x);
+        std::fill(x + len, x + n, Limb(0));
+    }
+
+    // The level of span n/2 from src[0..len) padded with zeros: where the
+    // upper half is padding the butterfly is (a, a w^j); past len, zeros.
+    void firstLevelFrom(Limb* x, const Limb* src, std::size_t len, std::size_t n) const {
+        const std::size_t h = n / 2;
+        const Limb* w = plan_.forward.roots(h);
+        const Limb* ws = plan_.forward.companions(h);
+        std::size_t j = 0;
+        for (; j < h && j < len; j += L) {
+            Reg a = loadPadded(src, j, len);
+            if (h + j < len) {
+                Reg b = loadPadded(src, h + j, len);
+                butterflyForward(f_, a, b, V::load(w + j), V::load(ws + j));
+                V::store(x + j, a);
+                V::store(x + h + j, b);
+            } else {
+                V::store(x + j, a);
+                V::store(x + h + j, f_.mulShoup(a, V::load(w + j), V::load(ws + j)));
+            }
+        }
+        std::fill(x + j, x + h, Limb(0));
+        std::fill(x + h + j, x + n, Limb(0));
+    }
 
     // One radix-2 level of span h (h >= L) over x[0..n), n a multiple of 2h.
     void forwardLevel(Limb* x, std::size_t n, std::size_t h) const {
@@ -314,14 +395,14 @@ private:
 };
 
 template <class V>
-void forwardTransform(Limb* x, const TransformPlan& plan) {
+void forwardTransform(Limb* x, const Limb* src, std::size_t len, const TransformPlan& plan) {
     const TransformPasses<V> passes(plan);
     const std::size_t m = plan.blockLength;
     if (plan.hasRadix3()) {
-        passes.radix3Forward(x);
+        passes.radix3ForwardFrom(x, src, len);
         for (std::size_t r = 0; r < 3; ++r) passes.forward(x + r * m, m);
     } else {
-        passes.forward(x, m);
+        passes.forwardFrom(x, src, len, m);
     }
 }
 
@@ -338,25 +419,25 @@ void inverseTransform(Limb* x, const TransformPlan& plan) {
 }
 
 template <class V, bool Square>
-void convolveTransform(Limb* x, const Limb* y, const TransformPlan& plan) {
+void convolveTransform(Limb* x, const Limb* src, std::size_t len, const Limb* y, const TransformPlan& plan) {
     const TransformPasses<V> passes(plan);
     const std::size_t m = plan.blockLength;
     if (plan.hasRadix3()) {
-        passes.radix3Forward(x);
+        passes.radix3ForwardFrom(x, src, len);
         for (std::size_t r = 0; r < 3; ++r) passes.template convolve<Square>(x + r * m, y + r * m, m);
         passes.radix3Inverse(x);
     } else {
-        passes.template convolve<Square>(x, y, m);
+        passes.template convolveFrom<Square>(x, src, len, y, m);
     }
 }
 
 template <class V>
-void convolveKernel(Limb* x, const Limb* y, const TransformPlan& plan) {
-    convolveTransform<V, false>(x, y, plan);
+void convolveKernel(Limb* x, const Limb* src, std::size_t len, const Limb* y, const TransformPlan& plan) {
+    convolveTransform<V, false>(x, src, len, y, plan);
 }
 template <class V>
-void squareKernel(Limb* x, const TransformPlan& plan) {
-    convolveTransform<V, true>(x, x, plan);
+void squareKernel(Limb* x, const Limb* src, std::size_t len, const TransformPlan& plan) {
+    convolveTransform<V, true>(x, src, len, x, plan);
 }
 
 // Level-layout roots of the levels kLeafLength <= h < M.  Each level is a

@@ -35,13 +35,6 @@ Span trimmed(const Limb* p, std::size_t n) {
     return {p + lo, hi - lo, lo};
 }
 
-// x[0..length) := src[0..n) followed by zeros.  Limbs of either radix are
-// below every prime, so they are residues already.
-void loadResidues(Limb* x, std::size_t length, const Span& src) {
-    std::copy(src.limbs, src.limbs + src.length, x);
-    std::fill(x + src.length, x + length, 0);
-}
-
 std::size_t blockLengthOf(std::size_t length) { return (length & (length - 1)) == 0 ? length : length / 3; }
 
 // Garner constants for residues left by a convolution of the given length:
@@ -94,12 +87,10 @@ void productOneConvolution(Limb* out, std::size_t room, const Span& longer, cons
     for (std::size_t k = 0; k < kPrimeCount; ++k) {
         top.build(kernels, k, blockLengthOf(length));
         const TransformPlan plan = makePlan(k, length, top);
-        loadResidues(s.get(), length, shorter);
-        kernels.forward(s.get(), plan);
+        kernels.forward(s.get(), shorter.limbs, shorter.length, plan);
         if (terminateRequested()) return;
         Limb* r = (k == 2 ? r2 : r1).get();
-        loadResidues(r, length, longer);
-        kernels.convolve(r, s.get(), plan);
+        kernels.convolve(r, longer.limbs, longer.length, s.get(), plan);
         if (terminateRequested()) return;
         if (k == 0) std::copy(r, r + count, out);
     }
@@ -128,8 +119,7 @@ void productInChunks(Limb* out, std::size_t room, const Span& longer, const Span
     for (std::size_t k = 0; k < kPrimeCount; ++k) {
         top[k].build(kernels, k, blockLengthOf(length));
         transformOfS[k] = allocateWords(length);
-        loadResidues(transformOfS[k].get(), length, shorter);
-        kernels.forward(transformOfS[k].get(), makePlan(k, length, top[k]));
+        kernels.forward(transformOfS[k].get(), shorter.limbs, shorter.length, makePlan(k, length, top[k]));
         if (terminateRequested()) return;
     }
     for (std::size_t k = 0; k < kPrimeCount; ++k) work[k] = allocateWords(length);
@@ -146,8 +136,8 @@ void productInChunks(Limb* out, std::size_t room, const Span& longer, const Span
         const std::size_t count = piece.length + shorter.length - 1;
         const std::size_t pieceLength = chunkTransformLength(length, count);
         for (std::size_t k = 0; k < kPrimeCount; ++k) {
-            loadResidues(work[k].get(), pieceLength, piece);
-            kernels.convolve(work[k].get(), transformOfS[k].get(), makePlan(k, pieceLength, top[k]));
+            kernels.convolve(work[k].get(), piece.limbs, piece.length, transformOfS[k].get(),
+                             makePlan(k, pieceLength, top[k]));
             if (terminateRequested()) return;
         }
         crtToLimbs<R>(at, atRoom, work[0].get(), work[1].get(), work[2].get(), count,
@@ -207,8 +197,7 @@ void transformSquare(Limb* out, const Limb* a, std::size_t n) {
     for (std::size_t k = 0; k < kPrimeCount; ++k) {
         top.build(kernels, k, blockLengthOf(length));
         Limb* r = (k == 2 ? r2 : r1).get();
-        loadResidues(r, length, x);
-        kernels.squareConvolve(r, makePlan(k, length, top));
+        kernels.squareConvolve(r, x.limbs, x.length, makePlan(k, length, top));
         if (terminateRequested()) return;
         if (k == 0) std::copy(r, r + count, at);
     }
