@@ -1,0 +1,119 @@
+#include "calculator.h"
+
+#include <cctype>
+
+namespace twcalc {
+
+namespace {
+
+// Machine-integer operands (exponents, shift counts) must fit 32 unsigned bits.
+std::uint32_t smallOperand(const Integer& v, const Node& where, const char* what) {
+    if (v.sign() < 0 || v.bits() > 32)
+        throw EvaluationError(where.column, std::string(what) + " must be between 0 and 4294967295");
+    return std::uint32_t(v.to_uint64());
+}
+
+Integer fromBool(bool b) { return Integer(b ? 1 : 0); }
+
+}  // namespace
+
+// Adding a function is one line here.
+const std::map<std::string, Function>& functionTable() {
+    static const std::map<std::string, Function> table = {
+        {"abs", {1, [](const std::vector<Integer>& a) { return abs(a[0]); }}},
+        {"sign", {1, [](const std::vector<Integer>& a) { return Integer(a[0].sign()); }}},
+        {"digits", {1, [](const std::vector<Integer>& a) { return Integer(a[0].digits()); }}},
+        {"bits", {1, [](const std::vector<Integer>& a) { return Integer(a[0].bits()); }}},
+        {"min", {2, [](const std::vector<Integer>& a) { return a[0] < a[1] ? a[0] : a[1]; }}},
+        {"max", {2, [](const std::vector<Integer>& a) { return a[0] < a[1] ? a[1] : a[0]; }}},
+    };
+    return table;
+}
+
+Integer Calculator::evaluate(const Statement& statement) {
+    Integer value = eval(*statement.expression);
+    if (!statement.assignTo.empty()) {
+        if (statement.assignTo == "ans" || functionTable().count(statement.assignTo))
+            throw EvaluationError(1, "'" + statement.assignTo + "' cannot be assigned");
+        variables_[statement.assignTo] = value;
+    }
+    ans_ = value;
+    return value;
+}
+
+Integer Calculator::eval(const Node& node) {
+    switch (node.kind) {
+        case Node::Kind::Number:
+            return Integer(node.text);
+        case Node::Kind::Variable: {
+            if (node.text == "ans") return ans_;
+            const auto it = variables_.find(node.text);
+            if (it == variables_.end()) throw EvaluationError(node.column, "unknown variable '" + node.text + "'");
+            return it->second;
+        }
+        case Node::Kind::Call: {
+            const auto it = functionTable().find(node.text);
+            if (it == functionTable().end()) throw EvaluationError(node.column, "unknown function '" + node.text + "'");
+            if (node.operands.size() != it->second.arity)
+                throw EvaluationError(node.column, node.text + " takes " + std::to_string(it->second.arity) +
+                                                       " argument" + (it->second.arity == 1 ? "" : "s"));
+            std::vector<Integer> args;
+            for (const auto& operand : node.operands) args.push_back(eval(*operand));
+            return it->second.apply(args);
+        }
+        case Node::Kind::Unary: {
+            Integer v = eval(*node.operands[0]);
+            return node.text == "-" ? -v : v;
+        }
+        case Node::Kind::Binary:
+            return binary(node);
+    }
+    throw EvaluationError(node.column, "unknown expression");
+}
+
+Integer Calculator::binary(const Node& node) {
+    const Integer a = eval(*node.operands[0]);
+    const Integer b = eval(*node.operands[1]);
+    const std::string& op = node.text;
+    if (op == "+") return a + b;
+    if (op == "-") return a - b;
+    if (op == "*") return a * b;
+    if (op == "/") return a / b;
+    if (op == "%") return a % b;
+    if (op == "^") return pow(a, smallOperand(b, node, "the exponent"));
+    if (op == "<<") return a << smallOperand(b, node, "the shift count");
+    if (op == ">>") return a >> smallOperand(b, node, "the shift count");
+    if (op == "<") return fromBool(a < b);
+    if (op == "<=") return fromBool(a <= b);
+    if (op == ">") return fromBool(a > b);
+    if (op == ">=") return fromBool(a >= b);
+    if (op == "==") return fromBool(a == b);
+    if (op == "!=") return fromBool(a != b);
+    throw EvaluationError(node.column, "unknown operator '" + op + "'");
+}
+
+std::string resultText(const Integer& value, const OutputOptions& options) {
+    // Decimal groups of three and hexadecimal groups of four are the library's
+    // own; other radices are grouped by four as well.
+    const std::uint8_t flags = options.group ? TEXT_GROUP : 0;
+    const std::uint32_t groupLength = options.radix == 10 ? 3 : 4;
+    return value.to_string(options.radix, flags, groupLength);
+}
+
+std::string displayText(const std::string& text, const OutputOptions& options) {
+    constexpr std::size_t kLongest = 200, kKeep = 50;
+    // Digits are what counts: signs, "0x", separators and brackets do not.
+    std::size_t first = 0;
+    while (first < text.size() && (text[first] == '-' || text[first] == '+' || text[first] == ' ')) ++first;
+    if (text.compare(first, 2, "0x") == 0) first += 2;
+    std::string digits;
+    for (std::size_t i = first; i < text.size(); ++i)
+        if (std::isalnum(static_cast<unsigned char>(text[i]))) digits += text[i];
+    if (options.full || digits.size() <= kLongest) return text;
+    std::string prefix = text.substr(0, first);
+    while (!prefix.empty() && prefix.back() == ' ') prefix.pop_back();
+    return prefix + digits.substr(0, kKeep) + "..." + digits.substr(digits.size() - kKeep) + " (" +
+           std::to_string(digits.size()) + " digits) (--full to print all)";
+}
+
+}  // namespace twcalc

@@ -1,0 +1,62 @@
+// twcalc's evaluation: variables, `ans`, the function table, and the text of
+// results.  Library failures surface as tarnwick::Error; mistakes in the
+// expression that only show at evaluation as EvaluationError with a column.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "expression.h"
+#include "tarnwick.hpp"
+
+namespace twcalc {
+
+using tarnwick::Integer;
+
+class EvaluationError : public std::runtime_error {
+public:
+    EvaluationError(std::size_t column, const std::string& message)
+        : std::runtime_error(message), column_(column) {}
+    std::size_t column() const { return column_; }
+
+private:
+    std::size_t column_;
+};
+
+// A named function: its argument count and what it computes.
+struct Function {
+    std::size_t arity;
+    Integer (*apply)(const std::vector<Integer>& args);
+};
+const std::map<std::string, Function>& functionTable();
+
+class Calculator {
+public:
+    // Evaluates one parsed line; an assignment stores the value too.  The
+    // result becomes `ans`.
+    Integer evaluate(const Statement& statement);
+
+private:
+    Integer eval(const Node& node);
+    Integer binary(const Node& node);
+
+    std::map<std::string, Integer> variables_;
+    Integer ans_;
+};
+
+struct OutputOptions {
+    std::uint32_t radix = 10;
+    bool group = false;
+    bool full = false;  // no shortening of long results
+};
+
+// The text of a result in the chosen radix and grouping.
+std::string resultText(const Integer& value, const OutputOptions& options);
+// The text as shown: results of more than 200 digits keep their first and last
+// 50 digits unless options.full is set.
+std::string displayText(const std::string& text, const OutputOptions& options);
+
+}  // namespace twcalc

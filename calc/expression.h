@@ -1,0 +1,48 @@
+// twcalc's expressions: tokens, the syntax tree and the parser.
+//
+// Grammar, loosest binding first:
+//   line       := [name "="] comparison
+//   comparison := shift [("<" | "<=" | ">" | ">=" | "==" | "!=") shift]
+//   shift      := sum {("<<" | ">>") sum}
+//   sum        := product {("+" | "-") product}
+//   product    := unary {("*" | "/" | "%") unary}
+//   unary      := ("-" | "+") unary | power
+//   power      := primary ["^" unary]          (right-associative; -2^2 = -4)
+//   primary    := number | name | name "(" [comparison {"," comparison}] ")" | "(" comparison ")"
+#pragma once
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace twcalc {
+
+// A syntax error at a 1-based column of the line.
+class SyntaxError : public std::runtime_error {
+public:
+    SyntaxError(std::size_t column, const std::string& message)
+        : std::runtime_error(message), column_(column) {}
+    std::size_t column() const { return column_; }
+
+private:
+    std::size_t column_;
+};
+
+struct Node {
+    enum class Kind { Number, Variable, Call, Unary, Binary };
+    Kind kind;
+    std::string text;   // the literal, the name, or the operator
+    std::size_t column; // where it starts, for error messages
+    std::vector<std::unique_ptr<Node>> operands;
+};
+
+struct Statement {
+    std::string assignTo;  // empty when the line is a bare expression
+    std::unique_ptr<Node> expression;
+};
+
+// Parses one line; throws SyntaxError.  An empty line gives a null expression.
+Statement parseLine(const std::string& line);
+
+}  // namespace twcalc

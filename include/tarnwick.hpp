@@ -1,0 +1,299 @@
+// Tarnwick for C++: value types over the C interface.
+//
+//   tarnwick::Integer   integers in radix 10^9 (HI_), decimal text for free
+//   tarnwick::IntegerX  integers in radix 2^28 (HX_), bits and hexadecimal for free
+//   tarnwick::RadixConverter  digit vectors in any radix from 2 to 2^32 (RC_)
+//
+// Numbers have value semantics (copies are deep, moves steal the handle).
+// When a C call reports an error, the wrapper clears the library's error state
+// and throws tarnwick::Error carrying the code, so the next call starts clean.
+#ifndef TARNWICK_HPP
+#define TARNWICK_HPP
+
+#include <cstdint>
+#include <ostream>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tarnwick.h"
+
+namespace tarnwick {
+
+// An error reported by the library: code() is one of the TW_ERR_ values.
+class Error : public std::runtime_error {
+public:
+    explicit Error(std::int32_t code) : std::runtime_error(describe(code)), code_(code) {}
+    std::int32_t code() const noexcept { return code_; }
+
+    static const char* describe(std::int32_t code) noexcept {
+        switch (code) {
+            case TW_ERR_STOPPED: return "interrupted";
+            case TW_ERR_TOO_LARGE: return "result too large";
+            case TW_ERR_HANDLE: return "invalid number handle";
+            case TW_ERR_DIV_ZERO: return "division by zero";
+            case TW_ERR_LOG: return "invalid logarithm";
+            case TW_ERR_RADIX: return "invalid radix";
+            default: return "library error";
+        }
+    }
+
+private:
+    std::int32_t code_;
+};
+
+namespace detail {
+
+// Throws the pending error, if any, after clearing it.
+inline void raiseIfFailed() {
+    const std::int32_t code = TW_getLastError();
+    if (code != 0 || TW_isTerminated() != 0) {
+        TW_setTerminate(0);
+        throw Error(code != 0 ? code : TW_ERR_STOPPED);
+    }
+}
+
+template <class T>
+T checked(T value) {
+    raiseIfFailed();
+    return value;
+}
+
+// The C functions of one integer family.
+#define TARNWICK_FAMILY_TRAITS(Name, P, S)                                                    \
+    struct Name {                                                                             \
+        using Handle = P##_handle;                                                            \
+        static Handle create() { return P##_new(); }                                          \
+        static void destroy(Handle h) { P##_delete(h); }                                      \
+        static constexpr auto set_s64 = P##_set_s64;                                          \
+        static constexpr auto set_u64 = P##_set_u64;                                          \
+        static constexpr auto set_own = P##_set_##S;                                          \
+        static constexpr auto set_strA = P##_set_strA;                                        \
+        static constexpr auto get_s64 = P##_get_s64;                                          \
+        static constexpr auto get_u64 = P##_get_u64;                                          \
+        static constexpr auto getSign = P##_getSign;                                          \
+        static constexpr auto isZero = P##_isZero;                                            \
+        static constexpr auto negate = P##_negate;                                            \
+        static constexpr auto abs = P##_abs;                                                  \
+        static constexpr auto swap = P##_swap;                                                \
+        static constexpr auto compare = P##_compare_##S;                                      \
+        static constexpr auto getDigits = P##_getDigits;                                      \
+        static constexpr auto getBits = P##_getBits;                                          \
+        static constexpr auto add = P##_add;                                                  \
+        static constexpr auto sub = P##_sub;                                                  \
+        static constexpr auto mul = P##_mul;                                                  \
+        static constexpr auto divRem = P##_divRem;                                            \
+        static constexpr auto mod = P##_mod;                                                  \
+        static constexpr auto pow = P##_pow;                                                  \
+        static constexpr auto bitLShift = P##_bitLShift;                                      \
+        static constexpr auto bitRShift = P##_bitRShift;                                      \
+        static constexpr auto bitAnd = P##_bitAnd;                                            \
+        static constexpr auto bitOr = P##_bitOr;                                              \
+        static constexpr auto bitXor = P##_bitXor;                                            \
+        static constexpr auto getStrRadixA = P##_getStrRadixA;                                \
+        static constexpr auto set_rc = P##_set_rc;                                            \
+    }
+TARNWICK_FAMILY_TRAITS(DecimalTraits, HI, hi);
+TARNWICK_FAMILY_TRAITS(BinaryTraits, HX, hx);
+#undef TARNWICK_FAMILY_TRAITS
+
+}  // namespace detail
+
+class RadixConverter;
+
+// An integer of unbounded size; Traits selects the limb radix.
+template <class Traits>
+class BasicInteger {
+public:
+    using Handle = typename Traits::Handle;
+
+    BasicInteger() : h_(detail::checked(Traits::create())) {
+        if (h_ == nullptr) throw Error(TW_ERR_TOO_LARGE);
+    }
+    BasicInteger(int v) : BasicInteger(static_cast<long long>(v)) {}
+    BasicInteger(long v) : BasicInteger(static_cast<long long>(v)) {}
+    BasicInteger(long long v) : BasicInteger() { run(Traits::set_s64(h_, v)); }
+    BasicInteger(unsigned v) : BasicInteger(static_cast<unsigned long long>(v)) {}
+    BasicInteger(unsigned long v) : BasicInteger(static_cast<unsigned long long>(v)) {}
+    BasicInteger(unsigned long long v) : BasicInteger() { run(Traits::set_u64(h_, v)); }
+    // Text as the library reads it: optional "-", decimal or "0x" hexadecimal,
+    // other characters skipped.
+    explicit BasicInteger(const char* text) : BasicInteger() { run(Traits::set_strA(h_, text)); }
+    explicit BasicInteger(const std::string& text) : BasicInteger(text.c_str()) {}
+    // Conversion from the other integer type (and from a radix converter).
+    template <class Other>
+    explicit BasicInteger(const BasicInteger<Other>& other) : BasicInteger() { assignFrom(other.handle()); }
+    explicit BasicInteger(const RadixConverter& rc);
+
+    BasicInteger(const BasicInteger& other) : BasicInteger() { run(Traits::set_own(h_, other.h_)); }
+    BasicInteger(BasicInteger&& other) noexcept : h_(std::exchange(other.h_, nullptr)) {}
+    BasicInteger& operator=(const BasicInteger& other) {
+        if (this != &other) run(Traits::set_own(h_, other.h_));
+        return *this;
+    }
+    BasicInteger& operator=(BasicInteger&& other) noexcept {
+        std::swap(h_, other.h_);
+        return *this;
+    }
+    ~BasicInteger() {
+        if (h_ != nullptr) Traits::destroy(h_);
+    }
+
+    Handle handle() const noexcept { return h_; }
+
+    // ---- queries ----
+    int sign() const { return detail::checked(Traits::getSign(h_)); }
+    bool is_zero() const { return detail::checked(Traits::isZero(h_)) != 0; }
+    std::uint32_t digits() const { return detail::checked(Traits::getDigits(h_)); }
+    std::uint32_t bits() const { return detail::checked(Traits::getBits(h_)); }
+    // The value as a machine integer: 0 when it does not fit (check bits() first).
+    std::int64_t to_int64() const { return detail::checked(Traits::get_s64(h_)); }
+    std::uint64_t to_uint64() const { return detail::checked(Traits::get_u64(h_)); }
+
+    // Text in radix 2..62 (0 for 2^32, 63 and above bracketed); flags are the
+    // TEXT_ values; groupLength is used with TEXT_GROUP for radices other than 10 and 16.
+    std::string to_string(std::uint32_t radix = 10, std::uint8_t flags = 0, std::uint32_t groupLength = 0) const {
+        std::uint32_t length = 0;
+        const char* text = Traits::getStrRadixA(h_, radix, nullptr, flags, groupLength, &length);
+        detail::raiseIfFailed();
+        return text != nullptr ? std::string(text, length) : std::string();
+    }
+
+    // ---- arithmetic ----
+    BasicInteger& operator+=(const BasicInteger& b) { return run(Traits::add(h_, h_, b.h_)); }
+    BasicInteger& operator-=(const BasicInteger& b) { return run(Traits::sub(h_, h_, b.h_)); }
+    BasicInteger& operator*=(const BasicInteger& b) { return run(Traits::mul(h_, h_, b.h_)); }
+    // Truncating division; the remainder takes the dividend's sign.
+    BasicInteger& operator/=(const BasicInteger& b) { return run(Traits::divRem(h_, h_, b.h_, nullptr)); }
+    BasicInteger& operator%=(const BasicInteger& b) { return run(Traits::mod(h_, h_, b.h_)); }
+    BasicInteger& operator&=(const BasicInteger& b) { return run(Traits::bitAnd(h_, h_, b.h_)); }
+    BasicInteger& operator|=(const BasicInteger& b) { return run(Traits::bitOr(h_, h_, b.h_)); }
+    BasicInteger& operator^=(const BasicInteger& b) { return run(Traits::bitXor(h_, h_, b.h_)); }
+    BasicInteger& operator<<=(std::uint32_t k) { return run(Traits::bitLShift(h_, k)); }
+    BasicInteger& operator>>=(std::uint32_t k) { return run(Traits::bitRShift(h_, k)); }
+
+    BasicInteger operator-() const {
+        BasicInteger r(*this);
+        r.run(Traits::negate(r.h_));
+        return r;
+    }
+    BasicInteger operator+() const { return *this; }
+
+    friend BasicInteger operator+(BasicInteger a, const BasicInteger& b) { return a += b; }
+    friend BasicInteger operator-(BasicInteger a, const BasicInteger& b) { return a -= b; }
+    friend BasicInteger operator*(BasicInteger a, const BasicInteger& b) { return a *= b; }
+    friend BasicInteger operator/(BasicInteger a, const BasicInteger& b) { return a /= b; }
+    friend BasicInteger operator%(BasicInteger a, const BasicInteger& b) { return a %= b; }
+    friend BasicInteger operator&(BasicInteger a, const BasicInteger& b) { return a &= b; }
+    friend BasicInteger operator|(BasicInteger a, const BasicInteger& b) { return a |= b; }
+    friend BasicInteger operator^(BasicInteger a, const BasicInteger& b) { return a ^= b; }
+    friend BasicInteger operator<<(BasicInteger a, std::uint32_t k) { return a <<= k; }
+    friend BasicInteger operator>>(BasicInteger a, std::uint32_t k) { return a >>= k; }
+
+    // Quotient and remainder in one division.
+    friend std::pair<BasicInteger, BasicInteger> divmod(const BasicInteger& a, const BasicInteger& b) {
+        BasicInteger q, r;
+        q.run(Traits::divRem(q.h_, a.h_, b.h_, r.h_));
+        return {std::move(q), std::move(r)};
+    }
+    friend BasicInteger pow(const BasicInteger& a, std::uint32_t e) {
+        BasicInteger r;
+        return r.run(Traits::pow(r.h_, a.h_, e));
+    }
+    friend BasicInteger abs(BasicInteger a) { return a.run(Traits::abs(a.h_)); }
+    friend void swap(BasicInteger& a, BasicInteger& b) noexcept { std::swap(a.h_, b.h_); }
+
+    // ---- comparison ----
+    friend int compare(const BasicInteger& a, const BasicInteger& b) {
+        return detail::checked(Traits::compare(a.h_, b.h_));
+    }
+    friend bool operator==(const BasicInteger& a, const BasicInteger& b) { return compare(a, b) == 0; }
+    friend auto operator<=>(const BasicInteger& a, const BasicInteger& b) { return compare(a, b) <=> 0; }
+
+    friend std::ostream& operator<<(std::ostream& out, const BasicInteger& x) {
+        const auto base = out.flags() & std::ios::basefield;
+        const bool upper = (out.flags() & std::ios::uppercase) != 0;
+        if (base == std::ios::hex) return out << x.to_string(16, upper ? 0 : TEXT_LOWER_CASE);
+        if (base == std::ios::oct) return out << x.to_string(8);
+        return out << x.to_string(10);
+    }
+
+private:
+    template <class OtherHandle>
+    void assignFrom(OtherHandle other);
+
+    BasicInteger& run(Handle result) {
+        (void)result;
+        detail::raiseIfFailed();
+        return *this;
+    }
+
+    Handle h_;
+};
+
+using Integer = BasicInteger<detail::DecimalTraits>;
+using IntegerX = BasicInteger<detail::BinaryTraits>;
+
+template <>
+template <>
+inline void Integer::assignFrom(HX_handle other) { run(HI_set_hx(h_, other)); }
+template <>
+template <>
+inline void IntegerX::assignFrom(HI_handle other) { run(HX_set_hi(h_, other)); }
+
+// A sign and a vector of digits in one radix (0 stands for 2^32).
+class RadixConverter {
+public:
+    explicit RadixConverter(std::uint32_t radix) : h_(detail::checked(RC_new(radix))) {
+        if (h_ == nullptr) throw Error(TW_ERR_TOO_LARGE);
+    }
+    template <class Traits>
+    RadixConverter(std::uint32_t radix, const BasicInteger<Traits>& value) : RadixConverter(radix) {
+        set(value.handle());
+    }
+    RadixConverter(const RadixConverter& other) : RadixConverter(other.radix()) {
+        detail::checked(RC_set_rc(h_, other.h_));
+    }
+    RadixConverter(RadixConverter&& other) noexcept : h_(std::exchange(other.h_, nullptr)) {}
+    RadixConverter& operator=(RadixConverter other) noexcept {
+        std::swap(h_, other.h_);
+        return *this;
+    }
+    ~RadixConverter() {
+        if (h_ != nullptr) RC_delete(h_);
+    }
+
+    RC_handle handle() const noexcept { return h_; }
+    std::uint32_t radix() const { return detail::checked(RC_getRadix(h_)); }
+    int sign() const { return detail::checked(RC_getSign(h_)); }
+    std::vector<std::uint32_t> digits() const {
+        DigitVectorView view{};
+        detail::checked(RC_getVector(h_, &view));
+        return std::vector<std::uint32_t>(view.data, view.data + view.size);
+    }
+    void set_digits(const std::vector<std::uint32_t>& digits, int sign = 1) {
+        detail::checked(RC_resetVector(h_, digits.data(), std::uint32_t(digits.size())));
+        detail::checked(RC_resetSign(h_, sign));
+    }
+    // Same value, digits in another radix.
+    RadixConverter& convert(std::uint32_t radix) {
+        detail::checked(RC_convert2Radix(h_, radix));
+        return *this;
+    }
+    std::uint64_t sum_of_digits() const { return detail::checked(RC_sumOfDigits(h_)); }
+
+private:
+    void set(HI_handle a) { detail::checked(RC_set_hi(h_, a)); }
+    void set(HX_handle a) { detail::checked(RC_set_hx(h_, a)); }
+    RC_handle h_;
+};
+
+template <class Traits>
+BasicInteger<Traits>::BasicInteger(const RadixConverter& rc) : BasicInteger() {
+    run(Traits::set_rc(h_, rc.handle()));
+}
+
+}  // namespace tarnwick
+
+#endif  // TARNWICK_HPP
