@@ -30,6 +30,9 @@ public:
     // n uninitialised limbs, valid until the enclosing Frame ends.
     Limb* take(std::size_t n);
 
+    // Blocks allocated so far (one when the estimate was enough).
+    std::size_t blockCount() const { return blocks_.size(); }
+
     // Releases everything taken since its construction when it goes out of scope.
     class Frame {
     public:

@@ -110,13 +110,11 @@ void sqrLadder(Limb* out, const Limb* a, std::size_t n, LimbScratch& scratch) {
 }
 
 std::size_t mulScratchEstimate(std::size_t longer, std::size_t shorter) {
-    // Below Karatsuba nothing is taken.  Above, the rungs that use scratch in
-    // proportion to the longer operand only see l <= 3s (else they cut L into
-    // pieces of s limbs), and each level needs a few times that, shrinking
-    // geometrically down the recursion.
-    if (shorter <= kMulBasecaseMax && longer <= kSqrBasecaseMax) return 0;
-    const std::size_t l = std::min(longer, 3 * shorter);
-    return 8 * (l + shorter) + 512;
+    // Only the rungs above the basecase take scratch (the arena allocates on
+    // first use).  Those that take it in proportion to the longer operand
+    // see l <= 3s (else they cut L into pieces of s limbs), and each level
+    // needs a few times that, shrinking geometrically down the recursion.
+    return 8 * (std::min(longer, 3 * shorter) + shorter) + 512;
 }
 
 template <class R>

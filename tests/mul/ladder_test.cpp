@@ -126,6 +126,25 @@ TYPED_TEST(Ladder, ScratchGrowsPastAPoorEstimate) {
     EXPECT_TRUE(isProduct<R>(sq, a, a));
 }
 
+// The first block sized by the estimate serves the whole recursion below the
+// transform, so a product allocates its scratch once.
+TYPED_TEST(Ladder, ScratchEstimateCoversTheRecursion) {
+    using R = TypeParam;
+    LimbGenerator gen(58);
+    const std::pair<std::size_t, std::size_t> shapes[] = {{65, 65}, {192, 130}, {300, 300}, {511, 511}, {511, 200}, {2000, 300}};
+    for (const auto& [l, s] : shapes) {
+        const Limbs a = gen.limbs<R>(l), b = gen.limbs<R>(s);
+        tw::arith::LimbScratch scratch(tw::arith::mulScratchEstimate(l, s));
+        Limbs out(l + s);
+        tw::arith::mulLadder<R>(out.data(), a.data(), l, b.data(), s, scratch);
+        EXPECT_LE(scratch.blockCount(), 1u) << l << " x " << s;
+        tw::arith::LimbScratch sqrScratch(tw::arith::mulScratchEstimate(l, l));
+        Limbs sq(2 * l);
+        tw::arith::sqrLadder<R>(sq.data(), a.data(), l, sqrScratch);
+        EXPECT_LE(sqrScratch.blockCount(), 1u) << l << " squared";
+    }
+}
+
 // With the terminate flag raised every rung returns at once, writing nothing
 // outside the product; lowering the flag restores normal work.
 TYPED_TEST(Ladder, TerminateFlagStopsEveryRung) {
