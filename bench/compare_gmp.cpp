@@ -39,37 +39,30 @@ struct Case {
     Timing (*run)(std::size_t digits, double budget);
 };
 
-Timing mulDecimal(std::size_t digits, double budget) {
-    Operand a(1, digits), b(2, digits);
-    HI_handle r = HI_new();
+// r := a * b against mpz_mul on the same operands; squaring when b is a.
+template <class Handle>
+Timing timeProduct(Handle (*mul)(Handle, Handle, Handle), Handle a, Handle b, mpz_srcptr ga, mpz_srcptr gb,
+                   Handle r, double budget) {
     mpz_t g;
     mpz_init(g);
-    const Timing t = timeSideBySide([&] { HI_mul(r, a.hi, b.hi); }, [&] { mpz_mul(g, a.gmp, b.gmp); }, budget);
+    const Timing t = timeSideBySide([&] { mul(r, a, b); }, [&] { mpz_mul(g, ga, gb); }, budget);
     mpz_clear(g);
-    HI_delete(r);
     return t;
+}
+
+Timing mulDecimal(std::size_t digits, double budget) {
+    Operand a(1, digits), b(2, digits), r(0, 1);
+    return timeProduct(HI_mul, a.hi, b.hi, a.gmp, b.gmp, r.hi, budget);
 }
 
 Timing squareDecimal(std::size_t digits, double budget) {
-    Operand a(3, digits);
-    HI_handle r = HI_new();
-    mpz_t g;
-    mpz_init(g);
-    const Timing t = timeSideBySide([&] { HI_mul(r, a.hi, a.hi); }, [&] { mpz_mul(g, a.gmp, a.gmp); }, budget);
-    mpz_clear(g);
-    HI_delete(r);
-    return t;
+    Operand a(3, digits), r(0, 1);
+    return timeProduct(HI_mul, a.hi, a.hi, a.gmp, a.gmp, r.hi, budget);
 }
 
 Timing mulBinary(std::size_t digits, double budget) {
-    Operand a(4, digits), b(5, digits);
-    HX_handle r = HX_new();
-    mpz_t g;
-    mpz_init(g);
-    const Timing t = timeSideBySide([&] { HX_mul(r, a.hx, b.hx); }, [&] { mpz_mul(g, a.gmp, b.gmp); }, budget);
-    mpz_clear(g);
-    HX_delete(r);
-    return t;
+    Operand a(4, digits), b(5, digits), r(0, 1);
+    return timeProduct(HX_mul, a.hx, b.hx, a.gmp, b.gmp, r.hx, budget);
 }
 
 Timing divideDecimal(std::size_t digits, double budget) {

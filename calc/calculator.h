@@ -5,7 +5,6 @@
 
 #include <cstdint>
 #include <map>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -16,14 +15,9 @@ namespace twcalc {
 
 using tarnwick::Integer;
 
-class EvaluationError : public std::runtime_error {
-public:
-    EvaluationError(std::size_t column, const std::string& message)
-        : std::runtime_error(message), column_(column) {}
-    std::size_t column() const { return column_; }
-
-private:
-    std::size_t column_;
+// The line parses but cannot be evaluated (unknown name, operand out of range).
+struct EvaluationError : ColumnError {
+    using ColumnError::ColumnError;
 };
 
 // A named function: its argument count and what it computes.

@@ -18,15 +18,19 @@
 
 namespace twcalc {
 
-// A syntax error at a 1-based column of the line.
-class SyntaxError : public std::runtime_error {
+// A mistake in a line, at a 1-based column.
+class ColumnError : public std::runtime_error {
 public:
-    SyntaxError(std::size_t column, const std::string& message)
-        : std::runtime_error(message), column_(column) {}
+    ColumnError(std::size_t column, const std::string& message) : std::runtime_error(message), column_(column) {}
     std::size_t column() const { return column_; }
 
 private:
     std::size_t column_;
+};
+
+// The line does not follow the grammar.
+struct SyntaxError : ColumnError {
+    using ColumnError::ColumnError;
 };
 
 struct Node {

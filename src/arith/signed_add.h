@@ -64,16 +64,18 @@ void reverseSubtractWord(SignedNumber<R>& x, std::uint32_t n) {
     setMagnitudeWord<R>(x.rec(), n - magnitude);
 }
 
-// x + n.  A negative x smaller in magnitude than n keeps its negative sign:
-// -5 + 7 gives -2.  The library has always behaved so, and callers rely on it.
+// x + direction * n for direction +1 or -1.  When x has the other sign and a
+// smaller magnitude than n, the magnitude becomes n - |x| but the sign stays:
+// -5 + 7 gives -2 and 3 - 5 gives 2.  The library has always behaved so, and
+// callers rely on it.  Zero becomes direction * n.
 template <class R>
-void addWord(SignedNumber<R>& x, std::uint32_t n) {
+void offsetByWord(SignedNumber<R>& x, std::uint32_t n, std::int32_t direction) {
     if (n == 0) return;
     if (x.sign == 0) {
-        setMagnitude64(x, 1, n);
+        setMagnitude64(x, direction, n);
         return;
     }
-    if (x.sign > 0) {
+    if (x.sign == direction) {
         addMagnitudeInPlace<R>(x.rec(), wordRecord<R>(n));
     } else {
         const int c = compareMagnitudeU32(x, n);
@@ -84,35 +86,15 @@ void addWord(SignedNumber<R>& x, std::uint32_t n) {
         if (c > 0)
             subtractMagnitudeInPlace<R>(x.rec(), wordRecord<R>(n));
         else
-            reverseSubtractWord(x, n);  // the sign stays -1
+            reverseSubtractWord(x, n);  // the sign is kept
     }
     x.normalizeSign();
 }
 
-// x - n, the mirror of addWord: a positive x smaller than n stays positive,
-// so 3 - 5 gives 2; zero gives -n.
 template <class R>
-void subtractWord(SignedNumber<R>& x, std::uint32_t n) {
-    if (n == 0) return;
-    if (x.sign == 0) {
-        setMagnitude64(x, -1, n);
-        return;
-    }
-    if (x.sign < 0) {
-        addMagnitudeInPlace<R>(x.rec(), wordRecord<R>(n));
-    } else {
-        const int c = compareMagnitudeU32(x, n);
-        if (c == 0) {
-            x.setZero();
-            return;
-        }
-        if (c > 0)
-            subtractMagnitudeInPlace<R>(x.rec(), wordRecord<R>(n));
-        else
-            reverseSubtractWord(x, n);  // the sign stays +1
-    }
-    x.normalizeSign();
-}
+void addWord(SignedNumber<R>& x, std::uint32_t n) { offsetByWord(x, n, 1); }
+template <class R>
+void subtractWord(SignedNumber<R>& x, std::uint32_t n) { offsetByWord(x, n, -1); }
 
 // x * n with n taken as unsigned.
 template <class R>
