@@ -28,3 +28,20 @@ TW_API HX_handle TW_CALL HX_setTextW(HX_handle h, const tw_wchar *text) {
 }
 
 }  // extern "C"
+
+// ---- bits of the magnitude: the operations only the binary type has ----
+#include "binary/binary_bits.h"
+
+extern "C" {
+
+TW_API uint32_t TW_CALL HX_isBitOne(HX_handle h, uint32_t k) {
+    return tw::queryNumbers(0u, [k](const Number& x) { return tw::magnitudeBit(x, k); }, h);
+}
+TW_API uint32_t TW_CALL HX_getTailBitZeros(HX_handle h) {
+    return tw::queryNumbers(0u, [](const Number& x) { return tw::trailingZeroBits(x); }, h);
+}
+TW_API HX_handle TW_CALL HX_modPowTwo(HX_handle h, uint32_t k) {
+    return tw::updateNumbers([k](Number& x) { tw::keepLowBits(x, k); }, h);
+}
+
+}  // extern "C"
