@@ -20,6 +20,12 @@ inline std::size_t significantLength(const Limb* x, std::size_t n) {
 // themselves.
 inline constexpr std::size_t kMinBlockQuotientLimbs = 32;
 
+// Quotients from 2 kMinBlockQuotientLimbs up to this many limbs divide in two
+// blocks through a reciprocal of half their length: while products are below
+// the transform's sizes, the reciprocal of full length costs more than the
+// second block.  From here on the single block is as fast or faster.
+inline constexpr std::size_t kHalfReciprocalMaxQuotientLimbs = 4096;
+
 // Reciprocal precision for dividing by a divisor of dn limbs: one block then
 // takes a dividend of dn + max(dn, kMinBlockQuotientLimbs) limbs.
 constexpr std::size_t blockPrecision(std::size_t dn) {

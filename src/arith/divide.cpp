@@ -68,6 +68,8 @@ void divideMagnitude(Limb* q, Limb* r, const Limb* a, std::size_t an, const Limb
     std::vector<Limb> own;
     if (!v) {
         p = std::min(n, blockPrecision(bn));
+        if (n <= bn + 1 && n >= 2 * kMinBlockQuotientLimbs && n <= kHalfReciprocalMaxQuotientLimbs)
+            p = (n + 1) / 2 + 1;
         own.resize(reciprocalLimbs(p));
         reciprocal<R>(own.data(), b, bn, p);
         if (terminateRequested()) return;
