@@ -19,29 +19,14 @@ using twtest::Mpz;
 using twtest::Number;
 using Bin = tw::BinaryRadix;
 
-template <class F>
-struct Bitwise;
-template <>
-struct Bitwise<DecimalFamily> {
-    static constexpr auto bitAnd = HI_bitAnd;
-    static constexpr auto bitOr = HI_bitOr;
-    static constexpr auto bitXor = HI_bitXor;
-};
-template <>
-struct Bitwise<BinaryFamily> {
-    static constexpr auto bitAnd = HX_bitAnd;
-    static constexpr auto bitOr = HX_bitOr;
-    static constexpr auto bitXor = HX_bitXor;
-};
-
 template <BitOp Op, class F>
 constexpr auto exported() {
     if constexpr (Op == BitOp::And)
-        return Bitwise<F>::bitAnd;
+        return F::bitAnd;
     else if constexpr (Op == BitOp::Or)
-        return Bitwise<F>::bitOr;
+        return F::bitOr;
     else
-        return Bitwise<F>::bitXor;
+        return F::bitXor;
 }
 
 // GMP on |a| and |b|, then the sign rule: AND negative when both are,
@@ -118,7 +103,7 @@ TYPED_TEST(BitwiseApi, ManyLimbOperandsAgainstGmp) {
 }
 
 TYPED_TEST(BitwiseApi, WorkedExamples) {
-    using B = Bitwise<TypeParam>;
+    using B = TypeParam;
     Number<TypeParam> a(-6), b(3), c(-3), r;
     EXPECT_EQ(B::bitAnd(r, a, b), r.h());
     EXPECT_EQ(TypeParam::get_s64(r), 2);
@@ -151,7 +136,7 @@ TYPED_TEST(BitwiseApi, WorkedExamples) {
 }
 
 TYPED_TEST(BitwiseApi, ZeroOperands) {
-    using B = Bitwise<TypeParam>;
+    using B = TypeParam;
     const Mpz big("-987654321987654321987654321987654321");
     Number<TypeParam> x, zero, r;
     x.set(big.v);
@@ -178,7 +163,7 @@ TYPED_TEST(BitwiseApi, ZeroOperands) {
 }
 
 TYPED_TEST(BitwiseApi, SameHandleOperands) {
-    using B = Bitwise<TypeParam>;
+    using B = TypeParam;
     Mpz v("-1234567890123456789012345678901234567890");
     Number<TypeParam> a, r;
     a.set(v.v);
@@ -202,7 +187,7 @@ TYPED_TEST(BitwiseApi, SameHandleOperands) {
 }
 
 TYPED_TEST(BitwiseApi, RaisedTerminateFlagGivesZero) {
-    using B = Bitwise<TypeParam>;
+    using B = TypeParam;
     Number<TypeParam> a(12), b(10), r(99);
     TW_setTerminate(1);
     for (auto op : {B::bitAnd, B::bitOr, B::bitXor}) {
@@ -217,7 +202,7 @@ TYPED_TEST(BitwiseApi, RaisedTerminateFlagGivesZero) {
 }
 
 TYPED_TEST(BitwiseApi, UnknownHandles) {
-    using B = Bitwise<TypeParam>;
+    using B = TypeParam;
     using Handle = typename TypeParam::Handle;
     Number<TypeParam> a(12), b(10), r(99);
     const Handle stale = [] {

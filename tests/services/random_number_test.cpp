@@ -18,10 +18,7 @@ using twtest::Number;
 // HI_random or HX_random, as the family's own function.
 template <class F>
 typename F::Handle randomNumber(typename F::Handle r, std::int32_t size) {
-    if constexpr (F::Radix::isBinary)
-        return HX_random(r, size);
-    else
-        return HI_random(r, size);
+    return F::random(r, size);
 }
 
 // 10^size or 2^size.

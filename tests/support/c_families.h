@@ -57,6 +57,10 @@ namespace twtest {
         static constexpr auto mod = P##_mod;                           \
         static constexpr auto div_s32 = P##_div_s32;                   \
         static constexpr auto pow = P##_pow;                           \
+        static constexpr auto random = P##_random;                     \
+        static constexpr auto bitAnd = P##_bitAnd;                     \
+        static constexpr auto bitOr = P##_bitOr;                       \
+        static constexpr auto bitXor = P##_bitXor;                     \
     }
 TWTEST_FAMILY(DecimalFamily, HI, hi);
 TWTEST_FAMILY(BinaryFamily, HX, hx);
