@@ -28,8 +28,10 @@ std::string slurp(const std::string& path) {
 
 // Runs twcalc with a shell-quoted argument string and optional standard input.
 ProgramRun twcalc(const std::string& args, const std::string& input = "") {
-    const std::string dir = ::testing::TempDir();
-    const std::string in = dir + "twcalc_in", out = dir + "twcalc_out", err = dir + "twcalc_err";
+    // Names of their own: ctest runs the tests of this file in parallel.
+    static int runs = 0;
+    const std::string dir = ::testing::TempDir() + "twcalc_" + std::to_string(getpid()) + "_" + std::to_string(runs++);
+    const std::string in = dir + "_in", out = dir + "_out", err = dir + "_err";
     std::ofstream(in) << input;
     const std::string command = std::string(TWCALC_PATH) + " " + args + " < " + in + " > " + out + " 2> " + err;
     const int status = std::system(command.c_str());
@@ -49,7 +51,7 @@ TEST(TwcalcProgram, LongResultsAreShortenedUnlessAskedForInFull) {
     EXPECT_EQ(shortened.out, "1" + std::string(49, '0') + "..." + std::string(50, '0') +
                                  " (301 digits) (--full to print all)\n");
     EXPECT_EQ(twcalc("--full '10^300'").out, "1" + std::string(300, '0') + "\n");
-    const std::string file = ::testing::TempDir() + "twcalc_full";
+    const std::string file = ::testing::TempDir() + "twcalc_full_" + std::to_string(getpid());
     const ProgramRun toFile = twcalc("--out " + file + " '7^1000'");
     EXPECT_EQ(toFile.exitCode, 0);
     EXPECT_EQ(slurp(file).size(), 846u + 1);  // 7^1000 has 846 digits
