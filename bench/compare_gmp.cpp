@@ -1,9 +1,13 @@
 // tw_bench: the library against GMP, same operands, same run.
 //
 //   tw_bench [--max-digits N] [--only SUBSTRING] [--budget SECONDS]
+//   tw_bench --peak-memory ours|gmp DIGITS
 //
 // Prints a table: operation, size in decimal digits, our time per call, GMP's,
-// and the ratio ours / GMP (below 1 means faster than GMP).
+// and the ratio ours / GMP (below 1 means faster than GMP).  The second form
+// multiplies two numbers of DIGITS decimal digits once with one library only,
+// for measuring peak memory from outside (/usr/bin/time -v).
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -89,7 +93,38 @@ const Case kCases[] = {
 
 }  // namespace
 
+// One product of two random DIGITS-digit numbers with one library only.
+int peakMemoryRun(const std::string& library, std::size_t digits) {
+    std::string text(digits, '0');
+    for (std::size_t i = 0; i < digits; ++i) text[i] = char('0' + (i * 7919 + 13) % 10);
+    text[0] = '7';
+    if (library == "gmp") {
+        mpz_t a, b, r;
+        mpz_init_set_str(a, text.c_str(), 10);
+        std::reverse(text.begin(), text.end());
+        text[0] = '7';
+        mpz_init_set_str(b, text.c_str(), 10);
+        text.clear();
+        text.shrink_to_fit();
+        mpz_init(r);
+        mpz_mul(r, a, b);
+        std::printf("%zu bits\n", mpz_sizeinbase(r, 2));
+        return 0;
+    }
+    HI_handle a = HI_new(), b = HI_new(), r = HI_new();
+    HI_set_strA(a, text.c_str());
+    std::reverse(text.begin(), text.end());
+    text[0] = '7';
+    HI_set_strA(b, text.c_str());
+    text.clear();
+    text.shrink_to_fit();
+    HI_mul(r, a, b);
+    std::printf("%u digits\n", HI_getDigits(r));
+    return 0;
+}
+
 int main(int argc, char** argv) {
+    if (argc == 4 && !std::strcmp(argv[1], "--peak-memory")) return peakMemoryRun(argv[2], std::strtoull(argv[3], nullptr, 10));
     const Options options = parse(argc, argv);
     printHeader();
     for (const Case& c : kCases) {
