@@ -23,7 +23,7 @@ TextView<Char> hexText(SignedNumber<R>& x, unsigned flags);
 // Radix 10 and 16 take the decimal and hexadecimal writers unless grouped by
 // a length other than 3 or 4; radices 0 and >= 63 take the bracketed form.
 // *digitCount (may be null) receives the number of digits in the radix (1 for
-// zero) and is left alone when there is no text.
+// zero); when no text comes back its value is unspecified.
 template <class Char, class R>
 TextView<Char> radixText(SignedNumber<R>& x, std::uint32_t radix, unsigned flags, std::uint32_t groupLength,
                          std::uint32_t* digitCount);

@@ -42,6 +42,7 @@ const Char* packedText(BinaryNumber& x) {
 
 template <class Char>
 void setFromPackedText(BinaryNumber& x, const Char* text) {
+    const DetachedTextBuffers ownText(x.rec());
     x.setZero();
     if (text == nullptr || terminateRequested()) return;
     constexpr unsigned width = kBitsPerChar<Char>;

@@ -9,6 +9,7 @@
 #include <memory>
 #include <string>
 #include <type_traits>
+#include <utility>
 
 #include "frame/number_record.h"
 #include "text/text_format.h"
@@ -37,6 +38,18 @@ void emptyTextBuffer(NumberRecord& record);
 // The text "0" in the buffer of this width.
 template <class Char>
 TextView<Char> zeroText(NumberRecord& record);
+
+// Takes both text buffers out of a record, as dropTextBuffers does, but keeps
+// them alive while it exists: a number may be set from its own text.
+class DetachedTextBuffers {
+public:
+    explicit DetachedTextBuffers(NumberRecord& record)
+        : narrow_(std::move(record.textBufferA)), wide_(std::move(record.textBufferW)) {}
+
+private:
+    std::unique_ptr<std::string> narrow_;
+    std::unique_ptr<std::u16string> wide_;
+};
 
 // Test seam: buffers of more characters than this fail as if memory were exhausted.
 void setTextAllocationCeilingForTesting(std::size_t characters);

@@ -9,6 +9,7 @@
 
 #include "frame/error_state.h"
 #include "radix/digit_conversion.h"
+#include "text/text_buffer.h"
 
 namespace tw::text {
 
@@ -154,13 +155,13 @@ void readInto(NumberRecord& rec, const Char* first, const Char* last) {
     }
 }
 
+// x := the run's value; x's text buffers are already detached.
 template <class R, class Char>
 void readRun(SignedNumber<R>& x, const DigitRun<Char>& run) {
     if (run.first == run.last) {
         x.setZero();
         return;
     }
-    dropTextBuffers(x.rec());
     if (run.hex)
         readInto<HexDigits, R>(x.rec(), run.first, run.last);
     else
@@ -173,11 +174,13 @@ void readRun(SignedNumber<R>& x, const DigitRun<Char>& run) {
 
 template <class R, class Char>
 void parseDecimalOrHexText(SignedNumber<R>& x, const Char* text) {
+    const DetachedTextBuffers ownText(x.rec());
     readRun(x, locateDigits(text, false));
 }
 
 template <class R, class Char>
 void parseHexText(SignedNumber<R>& x, const Char* text) {
+    const DetachedTextBuffers ownText(x.rec());
     readRun(x, locateDigits(text, true));
 }
 

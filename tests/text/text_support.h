@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "arith_api/arith_support.h"
 #include "support/c_families.h"
 
 namespace twtest {
@@ -232,16 +233,6 @@ template <class R>
     for (std::size_t i = 0; i < limbs.size(); ++i)
         if (x.limb(std::uint32_t(i)) != limbs[i]) return ::testing::AssertionFailure() << "limb " << i << " differs";
     return ::testing::AssertionSuccess();
-}
-
-// A signed random value of `limbs` limbs in radix R (sometimes zero).
-template <class R>
-Mpz randomValue(LimbGenerator& gen, std::size_t limbs) {
-    Mpz v = toMpz<R>(gen.limbs<R>(limbs));
-    const auto pick = gen.next() % 16;
-    if (pick == 0) mpz_set_ui(v, 0);
-    if (pick & 2) mpz_neg(v, v);
-    return v;
 }
 
 }  // namespace twtest
