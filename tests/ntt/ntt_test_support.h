@@ -51,11 +51,11 @@ inline std::size_t blockLength(std::size_t n) { return (n & (n - 1)) == 0 ? n : 
 
 // A transform length's plan with the long-level tables it needs.
 struct PlannedTransform {
-    ntt::TopRoots top;
+    std::vector<Limb> topWords;
     ntt::TransformPlan plan;
-    PlannedTransform(const ntt::TransformKernels& k, std::size_t prime, std::size_t length) {
-        top.build(k, prime, blockLength(length));
-        plan = ntt::makePlan(prime, length, top);
+    PlannedTransform(const ntt::TransformKernels& k, std::size_t prime, std::size_t length)
+        : topWords(ntt::topRootWords(blockLength(length))) {
+        plan = ntt::makePlan(prime, length, ntt::buildTopRootTable(k, prime, blockLength(length), topWords.data()));
     }
 };
 

@@ -27,10 +27,9 @@ struct TransformKernels {
     void (*convolve)(Limb* x, const Limb* src, std::size_t len, const Limb* y, const TransformPlan& plan);
     // x[0..N) := N * 2^-32 * (cyclic convolution of src[0..len) padded with itself).
     void (*squareConvolve)(Limb* x, const Limb* src, std::size_t len, const TransformPlan& plan);
-    // Roots (and Shoup companions) of the levels kLeafLength <= h < M in level
-    // layout, of w_2h^j or, when inverse, w_2h^-j; M - kLeafLength words each.
-    void (*buildTopRoots)(Limb* roots, Limb* companions, std::size_t blockLength, const PrimeConstants& prime,
-                          bool inverse);
+    // Roots w_2h^j (and Shoup companions) of the levels kLeafLength <= h < M,
+    // each followed by its guard root -1 (transform_plan.h); topLevelOffset(M) words each.
+    void (*buildTopRoots)(Limb* roots, Limb* companions, std::size_t blockLength, const PrimeConstants& prime);
     // Garner digits x0, t1, t2 of count residue triples (crt_constants.h);
     // count a multiple of lanes.
     void (*garner)(Limb* x0, Limb* t1, Limb* t2, const Limb* r0, const Limb* r1, const Limb* r2, std::size_t count,

@@ -41,6 +41,13 @@ struct Avx2Lanes {
         lo = _mm256_blend_epi32(even, _mm256_slli_epi64(odd, 32), 0xAA);
     }
 
+    // Lanes 0, 2, 4, ... of the pair (a, b); lanes in reverse order.
+    static Reg evenLanes(Reg a, Reg b) {
+        const __m256 e = _mm256_shuffle_ps(_mm256_castsi256_ps(a), _mm256_castsi256_ps(b), _MM_SHUFFLE(2, 0, 2, 0));
+        return _mm256_permute4x64_epi64(_mm256_castps_si256(e), _MM_SHUFFLE(3, 1, 2, 0));
+    }
+    static Reg reverse(Reg a) { return _mm256_permutevar8x32_epi32(a, _mm256_setr_epi32(7, 6, 5, 4, 3, 2, 1, 0)); }
+
     template <std::size_t H>
     static void split(Reg& a, Reg& b) {
         Reg p, q;

@@ -35,6 +35,15 @@ struct Avx512Lanes {
         lo = _mm512_mask_blend_epi32(0xAAAA, even, _mm512_slli_epi64(odd, 32));
     }
 
+    // Lanes 0, 2, 4, ... of the pair (a, b); lanes in reverse order.
+    static Reg evenLanes(Reg a, Reg b) {
+        return _mm512_permutex2var_epi32(
+            a, _mm512_setr_epi32(0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20, 22, 24, 26, 28, 30), b);
+    }
+    static Reg reverse(Reg a) {
+        return _mm512_permutexvar_epi32(_mm512_setr_epi32(15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0), a);
+    }
+
     template <std::size_t H>
     static void split(Reg& a, Reg& b) {
         Reg p, q;

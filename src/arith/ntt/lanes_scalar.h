@@ -27,6 +27,9 @@ struct ScalarLanes {
         hi = Reg(t >> 32);
         lo = Reg(t);
     }
+    // Lanes 0, 2, 4, ... of the pair (a, b); lanes in reverse order.
+    static Reg evenLanes(Reg a, Reg) { return a; }
+    static Reg reverse(Reg a) { return a; }
 };
 
 }  // namespace tw::arith::ntt

@@ -38,40 +38,26 @@ const LeafRootTables& leafRootTables(std::size_t primeIndex) {
     return tables.prime[primeIndex];
 }
 
-void TopRoots::build(const TransformKernels& kernels, std::size_t primeIndex, std::size_t blockLength) {
-    levelWords_ = blockLength > kLeafLength ? blockLength - kLeafLength : 0;
-    if (levelWords_ == 0) return;
-    if (capacity_ < 4 * levelWords_) {
-        words_.reset();
-        words_ = allocateWords(4 * levelWords_);
-        capacity_ = 4 * levelWords_;
-    }
-    const PrimeConstants c = primeConstants(primeIndex);
-    Limb* w = words_.get();
-    kernels.buildTopRoots(w, w + levelWords_, blockLength, c, false);
-    kernels.buildTopRoots(w + 2 * levelWords_, w + 3 * levelWords_, blockLength, c, true);
+std::size_t topRootWords(std::size_t blockLength) {
+    return blockLength > kLeafLength ? 2 * topLevelOffset(blockLength) : 0;
 }
 
-LevelRoots TopRoots::forward(std::size_t primeIndex) const {
-    const LeafRootTables& leaf = leafRootTables(primeIndex);
-    const Limb* w = words_.get();
-    return {leaf.forwardRoots, leaf.forwardCompanions, w, w ? w + levelWords_ : nullptr};
+TopRootTable buildTopRootTable(const TransformKernels& kernels, std::size_t primeIndex, std::size_t blockLength,
+                               Limb* words) {
+    if (blockLength <= kLeafLength) return {};
+    kernels.buildTopRoots(words, words + topLevelOffset(blockLength), blockLength, primeConstants(primeIndex));
+    return {words, blockLength};
 }
 
-LevelRoots TopRoots::inverse(std::size_t primeIndex) const {
-    const LeafRootTables& leaf = leafRootTables(primeIndex);
-    const Limb* w = words_.get();
-    return {leaf.inverseRoots, leaf.inverseCompanions, w ? w + 2 * levelWords_ : nullptr,
-            w ? w + 3 * levelWords_ : nullptr};
-}
-
-TransformPlan makePlan(std::size_t primeIndex, std::size_t length, const TopRoots& top) {
+TransformPlan makePlan(std::size_t primeIndex, std::size_t length, const TopRootTable& top) {
     TransformPlan plan;
     plan.length = length;
     plan.blockLength = (length & (length - 1)) == 0 ? length : length / 3;
     plan.prime = primeConstants(primeIndex);
-    plan.forward = top.forward(primeIndex);
-    plan.inverse = top.inverse(primeIndex);
+    const LeafRootTables& leaf = leafRootTables(primeIndex);
+    const Limb* topCompanions = top.words ? top.words + topLevelOffset(top.blockLength) : nullptr;
+    plan.forward = {leaf.forwardRoots, leaf.forwardCompanions, top.words, topCompanions};
+    plan.inverse = {leaf.inverseRoots, leaf.inverseCompanions, top.words, topCompanions};
     if (plan.hasRadix3()) {
         // w^M for the N-th root w = g^((p-1)/N) is g^((p-1)/3), the table's cube root.
         const std::uint32_t p = plan.prime.p;

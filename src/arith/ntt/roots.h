@@ -5,7 +5,6 @@
 
 #include <cstddef>
 
-#include "arith/ntt/aligned_words.h"
 #include "arith/ntt/kernel_table.h"
 #include "arith/ntt/transform_plan.h"
 
@@ -21,22 +20,22 @@ struct LeafRootTables {
 };
 const LeafRootTables& leafRootTables(std::size_t primeIndex);
 
-// The tables of the levels kLeafLength <= h < M of one transform (none when
-// M <= kLeafLength): 4 (M - kLeafLength) words, reused across builds.
-class TopRoots {
-public:
-    void build(const TransformKernels& kernels, std::size_t primeIndex, std::size_t blockLength);
-    LevelRoots forward(std::size_t primeIndex) const;
-    LevelRoots inverse(std::size_t primeIndex) const;
-
-private:
-    AlignedWords words_;
-    std::size_t capacity_ = 0;
-    std::size_t levelWords_ = 0;
+// The roots of the levels kLeafLength <= h < M of one transform, in words
+// the caller provides (none when M <= kLeafLength): the forward roots of every
+// such level, then their Shoup companions, in the layout of transform_plan.h.
+struct TopRootTable {
+    const Limb* words = nullptr;
+    std::size_t blockLength = 0;  // the M it was built for
 };
 
-// The plan of a length-N transform (N = 2^k or 3 * 2^k, 3 * 2^k <= 3 * 2^25) on the
-// prime; `top` must have been built for this prime and a block length >= N's.
-TransformPlan makePlan(std::size_t primeIndex, std::size_t length, const TopRoots& top);
+// Words a table for block length M takes: about 2 (M - kLeafLength).
+std::size_t topRootWords(std::size_t blockLength);
+
+TopRootTable buildTopRootTable(const TransformKernels& kernels, std::size_t primeIndex, std::size_t blockLength,
+                               Limb* words);
+
+// The plan of a length-N transform (N = 2^k or 3 * 2^k, N <= 3 * 2^25) on the
+// prime; `top` must belong to this prime and a block length at least N's.
+TransformPlan makePlan(std::size_t primeIndex, std::size_t length, const TopRootTable& top);
 
 }  // namespace tw::arith::ntt

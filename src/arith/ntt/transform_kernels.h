@@ -161,25 +161,33 @@ public:
     }
 
     // Forward transform of the power-of-two block x[0..n), n >= 2L.
+    // Above the leaf two levels run per pass over the block, then the four
+    // quarters recurse; a lone level remains when only one is above the leaf.
     void forward(Limb* x, std::size_t n) const {
         if (n <= kLeafLength) {
             leafForward(x, n);
-            return;
+        } else if (n / 2 <= kLeafLength) {
+            forwardLevel(x, n, n / 2);
+            leafForward(x, n / 2);
+            leafForward(x + n / 2, n / 2);
+        } else {
+            forwardLevelPair(x, n, n / 2);
+            for (std::size_t k = 0; k < 4; ++k) forward(x + k * (n / 4), n / 4);
         }
-        forwardLevel(x, n, n / 2);
-        forward(x, n / 2);
-        forward(x + n / 2, n / 2);
     }
 
     // n times the inverse transform of the block x[0..n).
     void inverse(Limb* x, std::size_t n) const {
         if (n <= kLeafLength) {
             leafInverse(x, n);
-            return;
+        } else if (n / 2 <= kLeafLength) {
+            leafInverse(x, n / 2);
+            leafInverse(x + n / 2, n / 2);
+            inverseLevel(x, n, n / 2);
+        } else {
+            for (std::size_t k = 0; k < 4; ++k) inverse(x + k * (n / 4), n / 4);
+            inverseLevelPair(x, n, n / 2);
         }
-        inverse(x, n / 2);
-        inverse(x + n / 2, n / 2);
-        inverseLevel(x, n, n / 2);
     }
 
     // x := inverse(forward(x) * y) on the block (y := x when Square).
@@ -187,12 +195,16 @@ public:
     void convolve(Limb* x, const Limb* y, std::size_t n) const {
         if (n <= kLeafLength) {
             leafConvolve<Square>(x, y, n);
-            return;
+        } else if (n / 2 <= kLeafLength) {
+            forwardLevel(x, n, n / 2);
+            leafConvolve<Square>(x, y, n / 2);
+            leafConvolve<Square>(x + n / 2, y + n / 2, n / 2);
+            inverseLevel(x, n, n / 2);
+        } else {
+            forwardLevelPair(x, n, n / 2);
+            for (std::size_t k = 0; k < 4; ++k) convolve<Square>(x + k * (n / 4), y + k * (n / 4), n / 4);
+            inverseLevelPair(x, n, n / 2);
         }
-        forwardLevel(x, n, n / 2);
-        convolve<Square>(x, y, n / 2);
-        convolve<Square>(x + n / 2, y + n / 2, n / 2);
-        inverseLevel(x, n, n / 2);
     }
 
     // Radix-3 layer from src[0..len) (zeros past len) into x[0..3M): with
@@ -309,6 +321,46 @@ private:
         std::fill(x + h + j, x + n, Limb(0));
     }
 
+    // The inverse roots of the level of span h: the inverse table below
+    // kLeafLength; above it (Reflected) the forward roots read backwards,
+    // w^-j = -w^(h-j), so the butterfly subtracts where it would add.
+    template <bool Reflected>
+    struct InverseRoots {
+        const Limb* roots;
+        const Limb* companions;
+        std::size_t h;
+        InverseRoots(const TransformPlan& plan, std::size_t span)
+            : roots(Reflected ? plan.forward.roots(span) : plan.inverse.roots(span)),
+              companions(Reflected ? plan.forward.companions(span) : plan.inverse.companions(span)),
+              h(span) {}
+
+        void load(std::size_t j, Reg& w, Reg& ws) const {
+            if constexpr (Reflected) {
+                const std::size_t i = h - j - (L - 1);
+                w = V::reverse(V::load(roots + i));
+                ws = V::reverse(V::load(companions + i));
+            } else {
+                w = V::load(roots + j);
+                ws = V::load(companions + j);
+            }
+        }
+        // (a, b) -> (a + b w^-j', a - b w^-j') for the lanes j' = j, j+1, ...
+        void butterfly(const LaneField<V>& f, Reg& a, Reg& b, Reg w, Reg ws) const {
+            if constexpr (Reflected) {
+                const Reg t = f.mulShoup(b, w, ws);
+                b = f.add(a, t);
+                a = f.sub(a, t);
+            } else {
+                butterflyInverse(f, a, b, w, ws);
+            }
+        }
+        void butterfly(const LaneField<V>& f, Reg& a, Reg& b, std::size_t j) const {
+            Reg w, ws;
+            load(j, w, ws);
+            butterfly(f, a, b, w, ws);
+        }
+    };
+
     // One radix-2 level of span h (h >= L) over x[0..n), n a multiple of 2h.
     void forwardLevel(Limb* x, std::size_t n, std::size_t h) const {
         const Limb* w = plan_.forward.roots(h);
@@ -325,18 +377,99 @@ private:
         }
     }
     void inverseLevel(Limb* x, std::size_t n, std::size_t h) const {
-        const Limb* w = plan_.inverse.roots(h);
-        const Limb* ws = plan_.inverse.companions(h);
+        if (h >= kLeafLength)
+            inverseLevelWith<true>(x, n, h);
+        else
+            inverseLevelWith<false>(x, n, h);
+    }
+    template <bool Reflected>
+    void inverseLevelWith(Limb* x, std::size_t n, std::size_t h) const {
+        const InverseRoots<Reflected> w(plan_, h);
         for (std::size_t block = 0; block < n; block += 2 * h) {
             Limb* lo = x + block;
             Limb* hi = lo + h;
             for (std::size_t j = 0; j < h; j += L) {
                 Reg a = V::load(lo + j), b = V::load(hi + j);
-                butterflyInverse(f_, a, b, V::load(w + j), V::load(ws + j));
+                w.butterfly(f_, a, b, j);
                 V::store(lo + j, a);
                 V::store(hi + j, b);
             }
         }
+    }
+
+    // The levels of spans h and h/2 (h/2 >= L) in one pass: radix-4 in
+    // registers, the four quarter-words j, j+q, j+2q, j+3q (q = h/2) of each
+    // block of 2h taking w_2h^j, w_2h^(j+q) and then w_h^j twice.
+    void forwardLevelPair(Limb* x, std::size_t n, std::size_t h) const {
+        const std::size_t q = h / 2;
+        const Limb* w1 = plan_.forward.roots(h);
+        const Limb* w1s = plan_.forward.companions(h);
+        const Limb* w2 = plan_.forward.roots(q);
+        const Limb* w2s = plan_.forward.companions(q);
+        for (std::size_t block = 0; block < n; block += 2 * h) {
+            Limb* p = x + block;
+            for (std::size_t j = 0; j < q; j += L) {
+                Reg a0 = V::load(p + j), a1 = V::load(p + q + j), a2 = V::load(p + 2 * q + j),
+                    a3 = V::load(p + 3 * q + j);
+                butterflyForward(f_, a0, a2, V::load(w1 + j), V::load(w1s + j));
+                butterflyForward(f_, a1, a3, V::load(w1 + q + j), V::load(w1s + q + j));
+                const Reg w = V::load(w2 + j), ws = V::load(w2s + j);
+                butterflyForward(f_, a0, a1, w, ws);
+                butterflyForward(f_, a2, a3, w, ws);
+                V::store(p + j, a0);
+                V::store(p + q + j, a1);
+                V::store(p + 2 * q + j, a2);
+                V::store(p + 3 * q + j, a3);
+            }
+        }
+    }
+    // Undoes forwardLevelPair up to a factor 4: spans h/2, then h.
+    // (Both levels of a pair lie on the same side of kLeafLength.)
+    void inverseLevelPair(Limb* x, std::size_t n, std::size_t h) const {
+        if (h / 2 >= kLeafLength)
+            inverseLevelPairWith<true>(x, n, h);
+        else
+            inverseLevelPairWith<false>(x, n, h);
+    }
+    template <bool Reflected>
+    void inverseLevelPairWith(Limb* x, std::size_t n, std::size_t h) const {
+        const std::size_t q = h / 2;
+        const InverseRoots<Reflected> w1(plan_, h), w2(plan_, q);
+        for (std::size_t block = 0; block < n; block += 2 * h) {
+            Limb* p = x + block;
+            for (std::size_t j = 0; j < q; j += L) {
+                Reg a0 = V::load(p + j), a1 = V::load(p + q + j), a2 = V::load(p + 2 * q + j),
+                    a3 = V::load(p + 3 * q + j);
+                Reg w, ws;
+                w2.load(j, w, ws);
+                w2.butterfly(f_, a0, a1, w, ws);
+                w2.butterfly(f_, a2, a3, w, ws);
+                w1.butterfly(f_, a0, a2, j);
+                w1.butterfly(f_, a1, a3, q + j);
+                V::store(p + j, a0);
+                V::store(p + q + j, a1);
+                V::store(p + 2 * q + j, a2);
+                V::store(p + 3 * q + j, a3);
+            }
+        }
+    }
+
+    // The levels of spans n/2 down to 2L, two a pass; the inverse undoes them
+    // in the opposite order.
+    void forwardLeafLevels(Limb* x, std::size_t n) const {
+        std::size_t h = n / 2;
+        for (; h >= 4 * L; h /= 4) forwardLevelPair(x, n, h);
+        if (h == 2 * L) forwardLevel(x, n, h);
+    }
+    void inverseLeafLevels(Limb* x, std::size_t n) const {
+        std::size_t levels = 0;
+        for (std::size_t h = 2 * L; h < n; h *= 2) ++levels;
+        std::size_t h = 2 * L;
+        if (levels % 2) {
+            inverseLevel(x, n, h);
+            h *= 2;
+        }
+        for (; h < n; h *= 4) inverseLevelPair(x, n, 2 * h);
     }
 
     // The level of span L pairs two consecutive registers; the in-register
@@ -351,7 +484,7 @@ private:
     }
 
     void leafForward(Limb* x, std::size_t n) const {
-        for (std::size_t h = n / 2; h > L; h /= 2) forwardLevel(x, n, h);
+        forwardLeafLevels(x, n);
         for (std::size_t i = 0; i < n; i += 2 * L) {
             Reg a = V::load(x + i), b = V::load(x + i + L);
             bottomForward(a, b);
@@ -366,11 +499,11 @@ private:
             V::store(x + i, a);
             V::store(x + i + L, b);
         }
-        for (std::size_t h = 2 * L; h < n; h *= 2) inverseLevel(x, n, h);
+        inverseLeafLevels(x, n);
     }
     template <bool Square>
     void leafConvolve(Limb* x, const Limb* y, std::size_t n) const {
-        for (std::size_t h = n / 2; h > L; h /= 2) forwardLevel(x, n, h);
+        forwardLeafLevels(x, n);
         for (std::size_t i = 0; i < n; i += 2 * L) {
             Reg a = V::load(x + i), b = V::load(x + i + L);
             bottomForward(a, b);
@@ -385,7 +518,7 @@ private:
             V::store(x + i, a);
             V::store(x + i + L, b);
         }
-        for (std::size_t h = 2 * L; h < n; h *= 2) inverseLevel(x, n, h);
+        inverseLeafLevels(x, n);
     }
 
     const TransformPlan& plan_;
@@ -440,36 +573,59 @@ void squareKernel(Limb* x, const Limb* src, std::size_t len, const TransformPlan
     convolveTransform<V, true>(x, src, len, x, plan);
 }
 
-// Level-layout roots of the levels kLeafLength <= h < M.  Each level is a
-// chain of Montgomery forms w^j 2^32 mod p, one register a step; from the
-// Montgomery form m of w, the Shoup companion floor(w 2^32 / p) is -m / p
-// mod 2^32 (w 2^32 - m is a multiple of p whose quotient is below 2^32), and w
-// itself the Montgomery reduction of m.
+// Roots of the levels kLeafLength <= h < M (layout in transform_plan.h).
+// The longest level is four interleaved chains of Montgomery forms
+// w^j 2^32 mod p, stepped one register at a time; from the Montgomery form m
+// of w, the Shoup companion floor(w 2^32 / p) is -m / p mod 2^32 (w 2^32 - m is a
+// multiple of p whose quotient is below 2^32), and w itself the Montgomery
+// reduction of m.  Each shorter level takes every other root of the one above
+// (w_h = w_2h^2).
 template <class V>
-void buildTopRoots(Limb* roots, Limb* companions, std::size_t blockLength, const PrimeConstants& prime,
-                   bool inverse) {
+void buildTopRoots(Limb* roots, Limb* companions, std::size_t blockLength, const PrimeConstants& prime) {
     using Reg = typename V::Reg;
     constexpr std::size_t L = V::lanes;
+    constexpr std::size_t kChains = 4;
+    if (blockLength <= kLeafLength) return;
     const LaneField<V> f(prime);
     const Reg one = V::broadcast(1), negPinv = V::broadcast(prime.negPinv);
-    for (std::size_t h = kLeafLength; h < blockLength; h *= 2) {
-        const std::uint32_t w = toMontgomery(rootOfUnity(prime.index, 2 * h, inverse), prime);
-        alignas(64) Limb start[L];
+
+    const std::size_t top = blockLength / 2;
+    {
+        Limb* r = roots + topLevelOffset(top);
+        Limb* c = companions + topLevelOffset(top);
+        const std::uint32_t w = toMontgomery(rootOfUnity(prime.index, 2 * top), prime);
+        alignas(64) Limb start[kChains * L];
         std::uint32_t power = prime.montR;
-        for (std::size_t i = 0; i < L; ++i) {
+        for (std::size_t i = 0; i < kChains * L; ++i) {
             start[i] = power;
             power = montMul(power, w, prime);
         }
         const Reg step = V::broadcast(fromMontgomery(power, prime));
         const Reg stepCompanion = V::broadcast(shoupCompanionOfMontgomery(power, prime));
-        Reg m = V::load(start);
-        Limb* r = roots + (h - kLeafLength);
-        Limb* c = companions + (h - kLeafLength);
-        for (std::size_t j = 0; j < h; j += L) {
-            V::store(r + j, f.mulMontgomery(m, one));
-            V::store(c + j, V::mullo(m, negPinv));
-            m = f.mulShoup(m, step, stepCompanion);
+        Reg m[kChains];
+        for (std::size_t k = 0; k < kChains; ++k) m[k] = V::load(start + k * L);
+        for (std::size_t j = 0; j < top; j += kChains * L) {
+            for (std::size_t k = 0; k < kChains; ++k) {
+                V::store(r + j + k * L, f.mulMontgomery(m[k], one));
+                V::store(c + j + k * L, V::mullo(m[k], negPinv));
+                m[k] = f.mulShoup(m[k], step, stepCompanion);
+            }
         }
+    }
+    for (std::size_t h = top / 2; h >= kLeafLength; h /= 2) {
+        const Limb* ra = roots + topLevelOffset(2 * h);
+        const Limb* ca = companions + topLevelOffset(2 * h);
+        Limb* rb = roots + topLevelOffset(h);
+        Limb* cb = companions + topLevelOffset(h);
+        for (std::size_t j = 0; j < h; j += L) {
+            V::store(rb + j, V::evenLanes(V::load(ra + 2 * j), V::load(ra + 2 * j + L)));
+            V::store(cb + j, V::evenLanes(V::load(ca + 2 * j), V::load(ca + 2 * j + L)));
+        }
+    }
+    for (std::size_t h = kLeafLength; h <= top; h *= 2) {
+        std::fill(roots + topLevelOffset(h) + h, roots + topLevelOffset(h) + h + kTopLevelPad, prime.p - 1);
+        std::fill(companions + topLevelOffset(h) + h, companions + topLevelOffset(h) + h + kTopLevelPad,
+                  shoupCompanion(prime.p - 1, prime.p));
     }
 }
 

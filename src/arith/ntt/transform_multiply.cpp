@@ -82,19 +82,23 @@ void productOneConvolution(Limb* out, std::size_t room, const Span& longer, cons
                            std::size_t length) {
     const std::size_t count = longer.length + shorter.length - 1;
     const TransformKernels& kernels = transformKernels(length);
-    AlignedWords s = allocateWords(length), r1 = allocateWords(length), r2 = allocateWords(length);
-    TopRoots top;
+    const std::size_t m = blockLengthOf(length);
+    // One allocation, so that repeated products reuse the same heap block.
+    AlignedWords words = allocateWords(3 * length + topRootWords(m));
+    Limb* s = words.get();
+    Limb* r1 = s + length;
+    Limb* r2 = r1 + length;
+    Limb* topWords = r2 + length;
     for (std::size_t k = 0; k < kPrimeCount; ++k) {
-        top.build(kernels, k, blockLengthOf(length));
-        const TransformPlan plan = makePlan(k, length, top);
-        kernels.forward(s.get(), shorter.limbs, shorter.length, plan);
+        const TransformPlan plan = makePlan(k, length, buildTopRootTable(kernels, k, m, topWords));
+        kernels.forward(s, shorter.limbs, shorter.length, plan);
         if (terminateRequested()) return;
-        Limb* r = (k == 2 ? r2 : r1).get();
-        kernels.convolve(r, longer.limbs, longer.length, s.get(), plan);
+        Limb* r = k == 2 ? r2 : r1;
+        kernels.convolve(r, longer.limbs, longer.length, s, plan);
         if (terminateRequested()) return;
         if (k == 0) std::copy(r, r + count, out);
     }
-    crtToLimbs<R>(out, room, out, r1.get(), r2.get(), count, garnerForLength(length), kernels, false);
+    crtToLimbs<R>(out, room, out, r1, r2, count, garnerForLength(length), kernels, false);
 }
 
 // The shortest transform length able to hold `needed` coefficients whose
@@ -114,15 +118,18 @@ template <class R>
 void productInChunks(Limb* out, std::size_t room, const Span& longer, const Span& shorter, std::size_t length) {
     const TransformKernels& kernels = transformKernels(length);
     const std::size_t chunk = length - shorter.length;
-    AlignedWords transformOfS[kPrimeCount], work[kPrimeCount];
-    TopRoots top[kPrimeCount];
+    const std::size_t m = blockLengthOf(length), topWords = topRootWords(m);
+    AlignedWords words = allocateWords(kPrimeCount * (2 * length + topWords));
+    Limb *transformOfS[kPrimeCount], *work[kPrimeCount];
+    TopRootTable top[kPrimeCount];
     for (std::size_t k = 0; k < kPrimeCount; ++k) {
-        top[k].build(kernels, k, blockLengthOf(length));
-        transformOfS[k] = allocateWords(length);
-        kernels.forward(transformOfS[k].get(), shorter.limbs, shorter.length, makePlan(k, length, top[k]));
+        Limb* at = words.get() + k * (2 * length + topWords);
+        transformOfS[k] = at;
+        work[k] = at + length;
+        top[k] = buildTopRootTable(kernels, k, m, at + 2 * length);
+        kernels.forward(transformOfS[k], shorter.limbs, shorter.length, makePlan(k, length, top[k]));
         if (terminateRequested()) return;
     }
-    for (std::size_t k = 0; k < kPrimeCount; ++k) work[k] = allocateWords(length);
 
     for (std::size_t start = 0; start < longer.length; start += chunk) {
         const Span piece = trimmed(longer.limbs + start, std::min(chunk, longer.length - start));
@@ -136,12 +143,10 @@ void productInChunks(Limb* out, std::size_t room, const Span& longer, const Span
         const std::size_t count = piece.length + shorter.length - 1;
         const std::size_t pieceLength = chunkTransformLength(length, count);
         for (std::size_t k = 0; k < kPrimeCount; ++k) {
-            kernels.convolve(work[k].get(), piece.limbs, piece.length, transformOfS[k].get(),
-                             makePlan(k, pieceLength, top[k]));
+            kernels.convolve(work[k], piece.limbs, piece.length, transformOfS[k], makePlan(k, pieceLength, top[k]));
             if (terminateRequested()) return;
         }
-        crtToLimbs<R>(at, atRoom, work[0].get(), work[1].get(), work[2].get(), count,
-                      garnerForLength(pieceLength), kernels, true);
+        crtToLimbs<R>(at, atRoom, work[0], work[1], work[2], count, garnerForLength(pieceLength), kernels, true);
     }
 }
 
@@ -192,16 +197,18 @@ void transformSquare(Limb* out, const Limb* a, std::size_t n) {
     const std::size_t room = 2 * (n - x.offset);
     const std::size_t count = 2 * x.length - 1;
     const TransformKernels& kernels = transformKernels(length);
-    AlignedWords r1 = allocateWords(length), r2 = allocateWords(length);
-    TopRoots top;
+    const std::size_t m = blockLengthOf(length);
+    AlignedWords words = allocateWords(2 * length + topRootWords(m));
+    Limb* r1 = words.get();
+    Limb* r2 = r1 + length;
+    Limb* topWords = r2 + length;
     for (std::size_t k = 0; k < kPrimeCount; ++k) {
-        top.build(kernels, k, blockLengthOf(length));
-        Limb* r = (k == 2 ? r2 : r1).get();
-        kernels.squareConvolve(r, x.limbs, x.length, makePlan(k, length, top));
+        Limb* r = k == 2 ? r2 : r1;
+        kernels.squareConvolve(r, x.limbs, x.length, makePlan(k, length, buildTopRootTable(kernels, k, m, topWords)));
         if (terminateRequested()) return;
         if (k == 0) std::copy(r, r + count, at);
     }
-    crtToLimbs<R>(at, room, at, r1.get(), r2.get(), count, garnerForLength(length), kernels, false);
+    crtToLimbs<R>(at, room, at, r1, r2, count, garnerForLength(length), kernels, false);
 }
 
 template void transformMultiply<DecimalRadix>(Limb*, const Limb*, std::size_t, const Limb*, std::size_t);

@@ -24,21 +24,37 @@ namespace tw::arith::ntt {
 // whole block and recurse into both halves.
 inline constexpr std::size_t kLeafLength = 4096;
 
-// Roots of every radix-2 level in "level layout": entries [h, 2h) hold w_2h^j
-// for j < h, beside them Shoup companions.  Levels below kLeafLength come
-// from tables shared by every transform of the prime; longer ones from tables
-// built for the transform.
+// Words after each long level's roots: one guard root w_2h^h = -1 and
+// padding that keeps the next level on a cache line.
+inline constexpr std::size_t kTopLevelPad = 16;
+
+// Where the level of span h >= kLeafLength starts in a table of long levels:
+// the levels kLeafLength, 2 kLeafLength, ... follow one another, each h roots
+// and kTopLevelPad words long.
+constexpr std::size_t topLevelOffset(std::size_t h) {
+    std::size_t levels = 0;
+    for (std::size_t k = kLeafLength; k < h; k *= 2) ++levels;
+    return (h - kLeafLength) + levels * kTopLevelPad;
+}
+
+// Roots of every radix-2 level: for span h, roots(h)[j] = w_2h^j (j < h), w_2h
+// a primitive 2h-th root (or its inverse), beside them Shoup companions.
+// Levels below kLeafLength are in "level layout", entries [h, 2h) of tables
+// shared by every transform of the prime; longer ones come from a table built
+// for the transform (topLevelOffset).  The inverse transform has no table of
+// its own for the long levels: it reads the forward roots backwards, since
+// w_2h^-j = -w_2h^(h-j) (the guard entry serves j = 0).
 struct LevelRoots {
     const Limb* leafRoots = nullptr;       // entries [0, kLeafLength)
     const Limb* leafCompanions = nullptr;
-    const Limb* topRoots = nullptr;        // entries [kLeafLength, M), stored from index 0
+    const Limb* topRoots = nullptr;        // levels >= kLeafLength (forward roots in both directions)
     const Limb* topCompanions = nullptr;
 
     const Limb* roots(std::size_t h) const {
-        return h < kLeafLength ? leafRoots + h : topRoots + (h - kLeafLength);
+        return h < kLeafLength ? leafRoots + h : topRoots + topLevelOffset(h);
     }
     const Limb* companions(std::size_t h) const {
-        return h < kLeafLength ? leafCompanions + h : topCompanions + (h - kLeafLength);
+        return h < kLeafLength ? leafCompanions + h : topCompanions + topLevelOffset(h);
     }
 };
 
@@ -47,7 +63,7 @@ struct TransformPlan {
     std::size_t blockLength = 0;  // M: N == M or N == 3 * M
     PrimeConstants prime{};
     LevelRoots forward;           // w_2h^j
-    LevelRoots inverse;           // w_2h^-j
+    LevelRoots inverse;           // w_2h^-j below kLeafLength, the forward roots above
     // Radix-3 layer, N == 3M only: w a primitive N-th root and c = w^M, a cube root of unity.
     std::uint32_t root = 0, rootInverse = 0;
     std::uint32_t cubeRoot = 0, cubeRootCompanion = 0;
