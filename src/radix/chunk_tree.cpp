@@ -1,6 +1,8 @@
 #include "radix/chunk_tree.h"
 
 #include <algorithm>
+#include <bit>
+#include <cmath>
 
 #include "arith/add_sub.h"
 #include "frame/error_state.h"
@@ -36,7 +38,7 @@ Limbs addAtShift(Limbs low, const Limbs& high, std::uint64_t shift) {
     const std::size_t offset = std::size_t(shift / BinaryRadix::bitsPerLimb);
     low.resize(std::max(low.size(), high.size() + offset + 1) + 1, 0);
     if constexpr (R::isBinary) {
-        addShiftedBits(low, offset, high.data(), high.size(), unsigned(shift % BinaryRadix::bitsPerLimb));
+        addShiftedBits(low.data(), low.size(), offset, high.data(), high.size(), unsigned(shift % BinaryRadix::bitsPerLimb));
     } else {
         arith::addSpans<R>(low.data(), low.data(), low.size(), high.data(), high.size());
     }
@@ -44,33 +46,83 @@ Limbs addAtShift(Limbs low, const Limbs& high, std::uint64_t shift) {
     return low;
 }
 
+// Limbs of radix R that a value below chunk^count may need.
+template <class R>
+std::size_t limbsBound(std::size_t count, double chunkBits) {
+    return std::size_t(double(count) * chunkBits / limbBits<R>()) + 2;
+}
+
+// The join writes each value straight into the buffer its parent gives it;
+// the high halves and the products of one depth of the tree share a buffer,
+// since the nodes of a depth are joined one after the other.
 template <class R>
 class Joiner {
 public:
     Joiner(const std::uint32_t* chunks, std::size_t count, std::uint64_t chunk)
-        : chunks_(chunks), chunk_(chunk), powers_(chunk, leafFor(count, kJoinLeaf<R>)) {}
+        : chunks_(chunks), chunk_(chunk), chunkBits_(std::log2(double(chunk))),
+          powers_(chunk, leafFor(count, kJoinLeaf<R>)), highs_(kMaxDepth), products_(kMaxDepth) {}
 
-    // The value of chunks[begin .. begin + count).
-    Limbs join(std::size_t begin, std::size_t count) {
+    std::size_t bound(std::size_t count) const { return limbsBound<R>(count, chunkBits_); }
+
+    // out[0..bound(count)) := the value of chunks[begin .. begin + count);
+    // returns its length without zero limbs at the top.
+    std::size_t join(Limb* out, std::size_t begin, std::size_t count, unsigned depth) {
         const std::size_t leaf = powers_.leaf();
-        if (count <= leaf) return horner(begin, count);
-        if (terminateRequested()) return {};
+        if (count <= leaf) return horner(out, chunks_ + begin, count);
+        if (terminateRequested()) return 0;
         const unsigned level = ChunkPowers<R>::levelFor(count, leaf);
         const std::size_t half = leaf << level;
-        const Limbs high = join(begin + half, count - half);
-        Limbs low = join(begin, half);
-        if (high.empty()) return low;
-        return addAtShift<R>(std::move(low), productOf<R>(high, powers_.odd(level)), powers_.shift(level));
+        const std::size_t total = bound(count);
+        const std::size_t lowLength = join(out, begin, half, depth + 1);
+        std::fill(out + lowLength, out + total, 0);
+        Limb* high = reserve(highs_[depth], bound(count - half));
+        const std::size_t highLength = join(high, begin + half, count - half, depth + 1);
+        const Limbs& odd = powers_.odd(level);
+        if (highLength == 0 || odd.empty()) return lowLength;
+        Limb* product = reserve(products_[depth], highLength + odd.size());
+        if (highLength >= odd.size())
+            arith::multiply<R>(product, high, highLength, odd.data(), odd.size());
+        else
+            arith::multiply<R>(product, odd.data(), odd.size(), high, highLength);
+        std::size_t productLength = highLength + odd.size();
+        while (productLength > 0 && product[productLength - 1] == 0) --productLength;
+        // out := low + product * 2^shift (binary) or low + product (decimal).
+        if constexpr (R::isBinary) {
+            const std::uint64_t shift = powers_.shift(level);
+            addShiftedBits(out, total, std::size_t(shift / BinaryRadix::bitsPerLimb), product, productLength,
+                           unsigned(shift % BinaryRadix::bitsPerLimb));
+        } else {
+            arith::addSpans<R>(out, out, total, product, productLength);
+        }
+        std::size_t length = total;
+        while (length > 0 && out[length - 1] == 0) --length;
+        return length;
     }
 
 private:
-    Limbs horner(std::size_t begin, std::size_t count) {
+    static constexpr unsigned kMaxDepth = 64;
+
+    static Limb* reserve(Limbs& buffer, std::size_t limbs) {
+        if (buffer.size() < limbs) buffer.resize(limbs);
+        return buffer.data();
+    }
+
+    // Horner's rule over chunks[0..count) into out; returns the length.
+    std::size_t horner(Limb* out, const std::uint32_t* chunks, std::size_t count) const {
         if constexpr (R::isBinary) {
-            return hornerInWords(chunks_ + begin, count);
+            return hornerInWords(out, chunks, count);
         } else {
-            Limbs x;
-            for (std::size_t j = begin + count; j-- > begin;) mulAddWord<R>(x, chunk_, chunks_[j]);
-            return x;
+            std::size_t n = 0;
+            for (std::size_t j = count; j-- > 0;) {
+                std::uint64_t carry = chunks[j];
+                for (std::size_t i = 0; i < n; ++i) {
+                    const std::uint64_t t = std::uint64_t(out[i]) * chunk_ + carry;
+                    out[i] = Limb(t % R::base);
+                    carry = t / R::base;
+                }
+                for (; carry != 0; carry /= R::base) out[n++] = Limb(carry % R::base);
+            }
+            return n;
         }
     }
 
@@ -78,7 +130,7 @@ private:
     // chunk that is a power of two never reaches the tree), then the bits
     // regrouped into limbs: a quarter of the steps of limb-wise Horner, each
     // on a word that holds more than two limbs.
-    Limbs hornerInWords(const std::uint32_t* chunks, std::size_t count) const {
+    std::size_t hornerInWords(Limb* out, const std::uint32_t* chunks, std::size_t count) const {
         std::uint64_t words[kJoinLeaf<R> / 2 + 2];
         std::size_t n = 0;
         auto mulAdd = [&](std::uint64_t m, std::uint64_t add) {
@@ -94,25 +146,29 @@ private:
         if (j % 2 != 0) mulAdd(chunk_, chunks[--j]);
         const std::uint64_t square = chunk_ * chunk_;
         for (; j >= 2; j -= 2) mulAdd(square, chunks[j - 1] * chunk_ + chunks[j - 2]);
-        Limbs x;
-        x.reserve(n * 64 / BinaryRadix::bitsPerLimb + 1);
+        if (n == 0) return 0;
+        // Exactly the limbs the value needs: the top word's zero bits make none.
+        const std::size_t bits = 64 * (n - 1) + std::size_t(std::bit_width(words[n - 1]));
+        const std::size_t length = (bits + BinaryRadix::bitsPerLimb - 1) / BinaryRadix::bitsPerLimb;
+        std::size_t written = 0;
         u128 pending = 0;
         unsigned held = 0;
         for (std::size_t i = 0; i < n; ++i) {
             pending |= u128(words[i]) << held;
-            for (held += 64; held >= BinaryRadix::bitsPerLimb; held -= BinaryRadix::bitsPerLimb) {
-                x.push_back(Limb(pending) & BinaryRadix::mask);
+            for (held += 64; held >= BinaryRadix::bitsPerLimb && written < length; held -= BinaryRadix::bitsPerLimb) {
+                out[written++] = Limb(pending) & BinaryRadix::mask;
                 pending >>= BinaryRadix::bitsPerLimb;
             }
         }
-        if (held > 0) x.push_back(Limb(pending));
-        trimTop(x);
-        return x;
+        if (written < length) out[written] = Limb(pending);
+        return length;
     }
 
     const std::uint32_t* chunks_;
     std::uint64_t chunk_;
+    double chunkBits_;
     ChunkPowers<R> powers_;
+    std::vector<Limbs> highs_, products_;  // one buffer of each per depth
 };
 
 template <class R>
@@ -184,7 +240,9 @@ private:
 template <class R>
 std::vector<Limb> joinChunks(const std::uint32_t* chunks, std::size_t count, std::uint64_t chunk) {
     Joiner<R> joiner(chunks, count, chunk);
-    return joiner.join(0, count);
+    Limbs out(joiner.bound(count));
+    out.resize(joiner.join(out.data(), 0, count, 0));
+    return out;
 }
 
 template <class R>

@@ -48,13 +48,13 @@ void mulAddWord(Limbs& x, std::uint64_t m, std::uint64_t add) {
     for (; carry != 0; carry /= R::base) x.push_back(Limb(carry % R::base));
 }
 
-// acc[offset ..) += src[0..n) * 2^bits (binary limbs, bits < 28).  acc must
-// hold the whole sum: at least offset + n + 1 limbs, and more when the sum
-// carries into them.
-inline void addShiftedBits(Limbs& acc, std::size_t offset, const Limb* src, std::size_t n, unsigned bits) {
+// acc[0..size) += src[0..n) * 2^(28 * offset + bits) (binary limbs, bits < 28).
+// The sum must fit acc's size limbs.
+inline void addShiftedBits(Limb* acc, std::size_t size, std::size_t offset, const Limb* src, std::size_t n,
+                           unsigned bits) {
     constexpr unsigned width = BinaryRadix::bitsPerLimb;
-    Limb* out = acc.data() + offset;
-    const std::size_t room = acc.size() - offset;
+    Limb* out = acc + offset;
+    const std::size_t room = size - offset;
     Limb below = 0;  // bits of the previous source limb pushed up into this one
     Limb carry = 0;
     std::size_t i = 0;
