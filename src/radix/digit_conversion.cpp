@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <type_traits>
 
 #include "frame/error_state.h"
 #include "radix/chunk_radix.h"
@@ -54,6 +55,25 @@ std::vector<Limb> limbsOfDigits(std::uint64_t radixValue, const std::uint32_t* d
     if (c.digitsPerChunk == 1) return radix::joinChunks<R>(digits, count, c.chunk);
     const std::vector<std::uint32_t> chunks = packChunks(digits, count, c);
     return radix::joinChunks<R>(chunks.data(), chunks.size(), c.chunk);
+}
+
+template <class R>
+using OtherRadix = std::conditional_t<R::isBinary, DecimalRadix, BinaryRadix>;
+
+// Whether digits of the radix regroup from limbs of radix R: powers of two
+// from binary limbs, powers of ten from decimal limbs.
+template <class R>
+bool regroups(std::uint64_t radixValue) {
+    return R::isBinary ? radix::powerOfTwoExponent(radixValue) != 0 : radix::powerOfTenExponent(radixValue) != 0;
+}
+
+// The digits of limbs[0..n) in a radix that regroups from radix R.
+template <class R>
+std::vector<std::uint32_t> regroupedDigits(const Limb* limbs, std::size_t n, std::uint64_t radixValue) {
+    if constexpr (R::isBinary)
+        return radix::limbsToBitDigits(limbs, n, radix::powerOfTwoExponent(radixValue));
+    else
+        return radix::limbsToDecimalDigits(limbs, n, radix::powerOfTenExponent(radixValue));
 }
 
 // An upper bound on the chunks of a magnitude of `limbs` limbs.
@@ -135,12 +155,14 @@ std::vector<std::uint32_t> toDigits(const NumberRecord& x, std::uint32_t targetR
     const Limb* limbs = x.digits;
     const std::size_t n = x.topIndex + 1;
     std::vector<std::uint32_t> digits;
-    if constexpr (R::isBinary) {
-        if (const unsigned j = radix::powerOfTwoExponent(radixValue)) digits = radix::limbsToBitDigits(limbs, n, j);
+    if (regroups<R>(radixValue)) {
+        digits = regroupedDigits<R>(limbs, n, radixValue);
+    } else if (regroups<OtherRadix<R>>(radixValue)) {
+        // A power of the other limb radix's base: a join into that radix
+        // (products only) and a regrouping beat the divisions of a split.
+        const std::vector<Limb> other = radix::joinChunks<OtherRadix<R>>(limbs, n, R::base);
+        digits = regroupedDigits<OtherRadix<R>>(other.data(), other.size(), radixValue);
     } else {
-        if (const unsigned j = radix::powerOfTenExponent(radixValue)) digits = radix::limbsToDecimalDigits(limbs, n, j);
-    }
-    if (digits.empty()) {
         const ChunkRadix c = radix::chunkRadixOf(radixValue);
         std::vector<std::uint32_t> chunks(chunksBound<R>(n, c.chunk));
         radix::splitIntoChunks<R>(chunks.data(), chunks.size(), limbs, n, c.chunk);
