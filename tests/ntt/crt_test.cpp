@@ -109,9 +109,16 @@ TYPED_TEST(ChineseRemainder, RebuildsSumsUpToTheBound) {
     std::mt19937_64 rng(0xc27b0001);
     for (const PathCase& path : supportedPaths()) {
         SCOPED_TRACE(path.name);
-        for (const std::size_t count : {1, 2, 17, 255, 256, 257, 1000}) {
+        for (const std::size_t count : {1, 2, 17, 255, 256, 257, 1000, 2100, 2101}) {
             std::vector<tw::u128> sums(count);
+            // count 2101: sums R - 1 except the first, R: the carry from position
+            // 0 runs through every limb (across the block's carry chains).
+            const bool ripple = count == 2101;
             for (std::size_t k = 0; k < count; ++k) {
+                if (ripple) {
+                    sums[k] = k == 0 ? R::base : R::base - 1;
+                    continue;
+                }
                 switch (rng() % 4) {
                     case 0: sums[k] = largest; break;
                     case 1: sums[k] = largest - rng() % 1000; break;

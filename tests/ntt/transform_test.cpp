@@ -110,7 +110,7 @@ TEST_P(TransformPaths, ShortSourcesActAsZeroPadded) {
     const ntt::TransformKernels& k = *GetParam().kernels;
     std::mt19937_64 rng(kSeed + 3);
     for (std::size_t prime = 0; prime < ntt::kPrimeCount; ++prime) {
-        for (const std::size_t n : lengthsFor(k, 4, 1 << 14)) {
+        for (const std::size_t n : lengthsFor(k, 4, 1 << 13)) {
             const PlannedTransform t(k, prime, n);
             const std::uint32_t p = t.plan.prime.p;
             std::vector<Limb> y = randomResidues(rng, n, p);

@@ -33,12 +33,30 @@ static_assert(largestConvolutionSum<BinaryRadix>() < kPrimeProduct);
 // each digit costs Shoup products by constants only:
 //   x0 = r0 k0,   t1 = r1 k1 - x0 u1 (mod p1),   t2 = r2 k2 - x0 v - t1 w (mod p2),
 // k0 = 1/f0, u1 = 1/p0, k1 = u1/f1 (mod p1), v = 1/(p0 p1), w = 1/p1, k2 = v/f2 (mod p2).
+//
+// The digits then meet the limb radix R: with p0 = P0[0] + P0[1] R and
+// p0 p1 = P01[0] + P01[1] R + P01[2] R^2, the sum is e0 + e1 R + e2 R^2 for
+// e0 = x0 + t1 P0[0] + t2 P01[0], e1 = t1 P0[1] + t2 P01[1], e2 = t2 P01[2]
+// (radixWeights: P0[0], P01[0], P0[1], P01[1], P01[2]).
 struct GarnerConstants {
     PrimeConstants prime[kPrimeCount];
     std::uint32_t k0, k0s;
     std::uint32_t k1, k1s, u1, u1s;
     std::uint32_t k2, k2s, v, vs, w, ws;
+    std::uint32_t radixWeights[5];
 };
+
+// The weights of p0 and p0 p1 in radix R (every one below R).
+template <class R>
+constexpr void setRadixWeights(GarnerConstants& g) {
+    constexpr std::uint64_t p0 = kTransformPrimes[0].p, p01 = p0 * kTransformPrimes[1].p, b = R::base;
+    static_assert(p0 / b < b && p01 / b / b < b);
+    g.radixWeights[0] = std::uint32_t(p0 % b);
+    g.radixWeights[1] = std::uint32_t(p01 % b);
+    g.radixWeights[2] = std::uint32_t(p0 / b);
+    g.radixWeights[3] = std::uint32_t(p01 / b % b);
+    g.radixWeights[4] = std::uint32_t(p01 / b / b);
+}
 
 // Constants for residues scaled by factors f_i, given their inverses 1/f_i mod p_i.
 constexpr GarnerConstants garnerConstants(const std::uint32_t (&inverseFactor)[kPrimeCount]) {

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 #include "arith/ntt/crt_constants.h"
 #include "arith/ntt/prime_field.h"
@@ -30,10 +31,10 @@ struct TransformKernels {
     // Roots w_2h^j (and Shoup companions) of the levels kLeafLength <= h < M,
     // each followed by its guard root -1 (transform_plan.h); topLevelOffset(M) words each.
     void (*buildTopRoots)(Limb* roots, Limb* companions, std::size_t blockLength, const PrimeConstants& prime);
-    // Garner digits x0, t1, t2 of count residue triples (crt_constants.h);
-    // count a multiple of lanes.
-    void (*garner)(Limb* x0, Limb* t1, Limb* t2, const Limb* r0, const Limb* r1, const Limb* r2, std::size_t count,
-                   const GarnerConstants& g);
+    // The limb-radix terms e0, e1, e2 of count residue triples
+    // (crt_constants.h); count a multiple of lanes.
+    void (*garner)(std::uint64_t* e0, std::uint64_t* e1, std::uint64_t* e2, const Limb* r0, const Limb* r1,
+                   const Limb* r2, std::size_t count, const GarnerConstants& g);
 };
 
 const TransformKernels& scalarKernels();

@@ -41,6 +41,17 @@ struct Avx2Lanes {
         lo = _mm256_blend_epi32(even, _mm256_slli_epi64(odd, 32), 0xAA);
     }
 
+    // Four 64-bit lanes, for the limb-radix weights of the Chinese remainder step.
+    using Wide = __m256i;
+    static void widen(Reg a, Wide& low, Wide& high) {
+        low = _mm256_cvtepu32_epi64(_mm256_castsi256_si128(a));
+        high = _mm256_cvtepu32_epi64(_mm256_extracti128_si256(a, 1));
+    }
+    static Wide broadcastWide(std::uint64_t v) { return _mm256_set1_epi64x(std::int64_t(v)); }
+    static Wide mulWide(Wide a, Wide b) { return _mm256_mul_epu32(a, b); }  // low words, 64-bit products
+    static Wide addWide(Wide a, Wide b) { return _mm256_add_epi64(a, b); }
+    static void storeWide(std::uint64_t* p, Wide v) { _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), v); }
+
     // Lanes 0, 2, 4, ... of the pair (a, b); lanes in reverse order.
     static Reg evenLanes(Reg a, Reg b) {
         const __m256 e = _mm256_shuffle_ps(_mm256_castsi256_ps(a), _mm256_castsi256_ps(b), _MM_SHUFFLE(2, 0, 2, 0));

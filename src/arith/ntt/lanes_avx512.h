@@ -35,6 +35,17 @@ struct Avx512Lanes {
         lo = _mm512_mask_blend_epi32(0xAAAA, even, _mm512_slli_epi64(odd, 32));
     }
 
+    // Eight 64-bit lanes, for the limb-radix weights of the Chinese remainder step.
+    using Wide = __m512i;
+    static void widen(Reg a, Wide& low, Wide& high) {
+        low = _mm512_cvtepu32_epi64(_mm512_castsi512_si256(a));
+        high = _mm512_cvtepu32_epi64(_mm512_extracti64x4_epi64(a, 1));
+    }
+    static Wide broadcastWide(std::uint64_t v) { return _mm512_set1_epi64(std::int64_t(v)); }
+    static Wide mulWide(Wide a, Wide b) { return _mm512_mul_epu32(a, b); }  // low words, 64-bit products
+    static Wide addWide(Wide a, Wide b) { return _mm512_add_epi64(a, b); }
+    static void storeWide(std::uint64_t* p, Wide v) { _mm512_storeu_si512(p, v); }
+
     // Lanes 0, 2, 4, ... of the pair (a, b); lanes in reverse order.
     static Reg evenLanes(Reg a, Reg b) {
         return _mm512_permutex2var_epi32(
