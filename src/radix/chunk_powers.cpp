@@ -7,11 +7,15 @@
 namespace tw::radix {
 
 template <class R>
-ChunkPowers<R>::ChunkPowers(std::uint64_t chunk, std::size_t leaf) : leaf_(leaf) {
-    if constexpr (R::isBinary) twoExponent_ = unsigned(std::countr_zero(chunk));
+ChunkPowers<R>::ChunkPowers(std::uint64_t chunk, std::size_t leaf, bool separateTwos) : leaf_(leaf) {
+    if (R::isBinary && separateTwos) twoExponent_ = unsigned(std::countr_zero(chunk));
+    // odd^leaf by left-to-right binary powering.
     const std::uint64_t odd = chunk >> twoExponent_;
     Limbs first{1};
-    for (std::size_t i = 0; i < leaf; ++i) mulAddWord<R>(first, odd, 0);
+    for (int bit = std::bit_width(leaf) - 1; bit >= 0; --bit) {
+        first = productOf<R>(first, first);
+        if ((leaf >> bit) & 1) mulAddWord<R>(first, odd, 0);
+    }
     odd_.push_back(std::move(first));
 }
 

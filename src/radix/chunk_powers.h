@@ -22,7 +22,9 @@ namespace tw::radix {
 template <class R>
 class ChunkPowers {
 public:
-    ChunkPowers(std::uint64_t chunk, std::size_t leaf);
+    // separateTwos: keep the power of two of a binary chunk apart (products);
+    // divisions take the whole power, which keeps dividend and divisor balanced.
+    ChunkPowers(std::uint64_t chunk, std::size_t leaf, bool separateTwos);
 
     std::size_t leaf() const { return leaf_; }
     // The smallest i with leaf * 2^(i+1) >= count, for count > leaf: the level

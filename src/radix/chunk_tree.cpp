@@ -21,6 +21,7 @@ namespace {
 template <class R>
 constexpr std::size_t kJoinLeaf = R::isBinary ? 256 : 32;
 constexpr std::size_t kSplitLeaf = 32;
+constexpr bool kSplitSeparateTwos = false;
 
 // The leaf for a run of `count` chunks: count / 2^L rounded up, for the
 // smallest L that brings it to at most `most`.  Every split of the tree then
@@ -60,7 +61,7 @@ class Joiner {
 public:
     Joiner(const std::uint32_t* chunks, std::size_t count, std::uint64_t chunk)
         : chunks_(chunks), chunk_(chunk), chunkBits_(std::log2(double(chunk))),
-          powers_(chunk, leafFor(count, kJoinLeaf<R>)), highs_(kMaxDepth), products_(kMaxDepth) {}
+          powers_(chunk, leafFor(count, kJoinLeaf<R>), true), highs_(kMaxDepth), products_(kMaxDepth) {}
 
     std::size_t bound(std::size_t count) const { return limbsBound<R>(count, chunkBits_); }
 
@@ -174,7 +175,7 @@ private:
 template <class R>
 class Splitter {
 public:
-    Splitter(std::size_t count, std::uint64_t chunk) : divisor_(chunk), powers_(chunk, leafFor(count, kSplitLeaf)) {}
+    Splitter(std::size_t count, std::uint64_t chunk) : divisor_(chunk), powers_(chunk, leafFor(count, kSplitLeaf), kSplitSeparateTwos) {}
 
     // out[0..count) := the chunks of x < chunk^count.
     void split(std::uint32_t* out, std::size_t count, Limbs x) {
@@ -192,7 +193,7 @@ public:
         const unsigned level = ChunkPowers<R>::levelFor(count, leaf);
         const std::size_t half = leaf << level;
         Limbs quotient, remainder;
-        if constexpr (R::isBinary) {
+        if (powers_.shift(level) != 0) {
             // x = (top * 2^s) + bottom; top = q * odd + r'; remainder = r' * 2^s + bottom.
             const std::uint64_t s = powers_.shift(level);
             divide(level, shiftedDown(x.data(), x.size(), s), quotient, remainder);
