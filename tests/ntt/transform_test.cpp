@@ -61,46 +61,52 @@ std::vector<std::size_t> positionsToCheck(std::size_t n, std::mt19937_64& rng) {
     return q;
 }
 
+// Calls check(prime, n, plan) for every prime and every table length up to
+// maxLength the path runs.
+template <class Check>
+void forEachTransform(const ntt::TransformKernels& k, std::size_t maxLength, Check check) {
+    for (std::size_t prime = 0; prime < ntt::kPrimeCount; ++prime) {
+        for (const std::size_t n : lengthsFor(k, 4, maxLength)) {
+            SCOPED_TRACE("prime " + std::to_string(prime) + " length " + std::to_string(n));
+            const PlannedTransform t(k, prime, n);
+            check(prime, n, t.plan);
+            if (::testing::Test::HasFatalFailure()) return;
+        }
+    }
+}
+
 class TransformPaths : public ::testing::TestWithParam<PathCase> {};
 
 TEST_P(TransformPaths, ForwardMatchesDefinition) {
     const ntt::TransformKernels& k = *GetParam().kernels;
     std::mt19937_64 rng(kSeed);
-    for (std::size_t prime = 0; prime < ntt::kPrimeCount; ++prime) {
-        for (const std::size_t n : lengthsFor(k, 4, 1 << 14)) {
-            SCOPED_TRACE("prime " + std::to_string(prime) + " length " + std::to_string(n));
-            const PlannedTransform t(k, prime, n);
-            std::vector<std::size_t> frequencyAt;
-            ASSERT_TRUE(outputOrder(k, t.plan, frequencyAt));
-            const std::uint32_t p = t.plan.prime.p, w = ntt::rootOfUnity(prime, n);
-            // Maximal residues as well as random ones: the butterflies' sums peak there.
-            for (const bool maximal : {false, true}) {
-                const std::vector<Limb> x = maximal ? std::vector<Limb>(n, p - 1) : randomResidues(rng, n, p);
-                std::vector<Limb> y = x;
-                k.forward(y.data(), y.data(), n, t.plan);
-                for (const std::size_t q : positionsToCheck(n, rng))
-                    ASSERT_EQ(y[q], dftAt(x, w, frequencyAt[q], p)) << "position " << q;
-            }
+    forEachTransform(k, 1 << 14, [&](std::size_t prime, std::size_t n, const ntt::TransformPlan& plan) {
+        std::vector<std::size_t> frequencyAt;
+        ASSERT_TRUE(outputOrder(k, plan, frequencyAt));
+        const std::uint32_t p = plan.prime.p, w = ntt::rootOfUnity(prime, n);
+        // Maximal residues as well as random ones: the butterflies' sums peak there.
+        for (const bool maximal : {false, true}) {
+            const std::vector<Limb> x = maximal ? std::vector<Limb>(n, p - 1) : randomResidues(rng, n, p);
+            std::vector<Limb> y = x;
+            k.forward(y.data(), y.data(), n, plan);
+            for (const std::size_t q : positionsToCheck(n, rng))
+                ASSERT_EQ(y[q], dftAt(x, w, frequencyAt[q], p)) << "position " << q;
         }
-    }
+    });
 }
 
 TEST_P(TransformPaths, InverseUndoesForward) {
     const ntt::TransformKernels& k = *GetParam().kernels;
     std::mt19937_64 rng(kSeed + 1);
-    for (std::size_t prime = 0; prime < ntt::kPrimeCount; ++prime) {
-        for (const std::size_t n : lengthsFor(k, 4, 1 << 15)) {
-            SCOPED_TRACE("prime " + std::to_string(prime) + " length " + std::to_string(n));
-            const PlannedTransform t(k, prime, n);
-            const std::uint32_t p = t.plan.prime.p;
-            const std::vector<Limb> x = randomResidues(rng, n, p);
-            std::vector<Limb> y = x;
-            k.forward(y.data(), y.data(), n, t.plan);
-            k.inverse(y.data(), t.plan);
-            const std::uint32_t scale = std::uint32_t(n % p);
-            for (std::size_t i = 0; i < n; ++i) ASSERT_EQ(y[i], ntt::mulMod(x[i], scale, p)) << "index " << i;
-        }
-    }
+    forEachTransform(k, 1 << 15, [&](std::size_t, std::size_t n, const ntt::TransformPlan& plan) {
+        const std::uint32_t p = plan.prime.p;
+        const std::vector<Limb> x = randomResidues(rng, n, p);
+        std::vector<Limb> y = x;
+        k.forward(y.data(), y.data(), n, plan);
+        k.inverse(y.data(), plan);
+        const std::uint32_t scale = std::uint32_t(n % p);
+        for (std::size_t i = 0; i < n; ++i) ASSERT_EQ(y[i], ntt::mulMod(x[i], scale, p)) << "index " << i;
+    });
 }
 
 // A source shorter than the transform is taken as padded with zeros: the first
@@ -109,35 +115,31 @@ TEST_P(TransformPaths, InverseUndoesForward) {
 TEST_P(TransformPaths, ShortSourcesActAsZeroPadded) {
     const ntt::TransformKernels& k = *GetParam().kernels;
     std::mt19937_64 rng(kSeed + 3);
-    for (std::size_t prime = 0; prime < ntt::kPrimeCount; ++prime) {
-        for (const std::size_t n : lengthsFor(k, 4, 1 << 13)) {
-            const PlannedTransform t(k, prime, n);
-            const std::uint32_t p = t.plan.prime.p;
-            std::vector<Limb> y = randomResidues(rng, n, p);
-            k.forward(y.data(), y.data(), n, t.plan);
-            for (const std::size_t len : {std::size_t(1), n / 3 - 1, n / 3 + 5, n / 2 - 1, n / 2 + 3, 2 * n / 3 + 1,
-                                          n - 7}) {
-                if (len == 0 || len > n) continue;
-                SCOPED_TRACE("prime " + std::to_string(prime) + " length " + std::to_string(n) + " source " +
-                             std::to_string(len));
-                const std::vector<Limb> src = randomResidues(rng, len, p);
-                std::vector<Limb> padded(n, 0), got(n, 0x77777777u);
-                std::copy(src.begin(), src.end(), padded.begin());
-                std::vector<Limb> expected = padded;
-                k.forward(expected.data(), expected.data(), n, t.plan);
-                k.forward(got.data(), src.data(), len, t.plan);
-                ASSERT_EQ(got, expected);
-                expected = padded;
-                k.convolve(expected.data(), expected.data(), n, y.data(), t.plan);
-                k.convolve(got.data(), src.data(), len, y.data(), t.plan);
-                ASSERT_EQ(got, expected);
-                expected = padded;
-                k.squareConvolve(expected.data(), expected.data(), n, t.plan);
-                k.squareConvolve(got.data(), src.data(), len, t.plan);
-                ASSERT_EQ(got, expected);
-            }
+    forEachTransform(k, 1 << 13, [&](std::size_t, std::size_t n, const ntt::TransformPlan& plan) {
+        const std::uint32_t p = plan.prime.p;
+        std::vector<Limb> y = randomResidues(rng, n, p);
+        k.forward(y.data(), y.data(), n, plan);
+        for (const std::size_t len :
+             {std::size_t(1), n / 3 - 1, n / 3 + 5, n / 2 - 1, n / 2 + 3, 2 * n / 3 + 1, n - 7}) {
+            if (len == 0 || len > n) continue;
+            SCOPED_TRACE("source " + std::to_string(len));
+            const std::vector<Limb> src = randomResidues(rng, len, p);
+            std::vector<Limb> padded(n, 0), got(n, 0x77777777u);
+            std::copy(src.begin(), src.end(), padded.begin());
+            std::vector<Limb> expected = padded;
+            k.forward(expected.data(), expected.data(), n, plan);
+            k.forward(got.data(), src.data(), len, plan);
+            ASSERT_EQ(got, expected);
+            expected = padded;
+            k.convolve(expected.data(), expected.data(), n, y.data(), plan);
+            k.convolve(got.data(), src.data(), len, y.data(), plan);
+            ASSERT_EQ(got, expected);
+            expected = padded;
+            k.squareConvolve(expected.data(), expected.data(), n, plan);
+            k.squareConvolve(got.data(), src.data(), len, plan);
+            ASSERT_EQ(got, expected);
         }
-    }
+    });
 }
 
 // convolve(x, forward(y)) is n 2^-32 (x conv y); squaring agrees with
@@ -145,26 +147,22 @@ TEST_P(TransformPaths, ShortSourcesActAsZeroPadded) {
 TEST_P(TransformPaths, ConvolutionMatchesDefinition) {
     const ntt::TransformKernels& k = *GetParam().kernels;
     std::mt19937_64 rng(kSeed + 2);
-    for (std::size_t prime = 0; prime < ntt::kPrimeCount; ++prime) {
-        for (const std::size_t n : lengthsFor(k, 4, 1 << 14)) {
-            SCOPED_TRACE("prime " + std::to_string(prime) + " length " + std::to_string(n));
-            const PlannedTransform t(k, prime, n);
-            const std::uint32_t p = t.plan.prime.p;
-            const std::uint32_t scale = ntt::mulMod(std::uint32_t(n % p), ntt::invMod(t.plan.prime.montR, p), p);
-            const std::vector<Limb> x = randomResidues(rng, n, p), y = randomResidues(rng, n, p);
-            std::vector<Limb> ty = y, product = x;
-            k.forward(ty.data(), ty.data(), n, t.plan);
-            k.convolve(product.data(), product.data(), n, ty.data(), t.plan);
-            for (const std::size_t q : positionsToCheck(n, rng))
-                ASSERT_EQ(product[q], ntt::mulMod(cyclicConvolutionAt(x, y, q, p), scale, p)) << "index " << q;
+    forEachTransform(k, 1 << 14, [&](std::size_t, std::size_t n, const ntt::TransformPlan& plan) {
+        const std::uint32_t p = plan.prime.p;
+        const std::uint32_t scale = ntt::mulMod(std::uint32_t(n % p), ntt::invMod(plan.prime.montR, p), p);
+        const std::vector<Limb> x = randomResidues(rng, n, p), y = randomResidues(rng, n, p);
+        std::vector<Limb> ty = y, product = x;
+        k.forward(ty.data(), ty.data(), n, plan);
+        k.convolve(product.data(), product.data(), n, ty.data(), plan);
+        for (const std::size_t q : positionsToCheck(n, rng))
+            ASSERT_EQ(product[q], ntt::mulMod(cyclicConvolutionAt(x, y, q, p), scale, p)) << "index " << q;
 
-            std::vector<Limb> tx = x, viaConvolve = x, square = x;
-            k.forward(tx.data(), tx.data(), n, t.plan);
-            k.convolve(viaConvolve.data(), viaConvolve.data(), n, tx.data(), t.plan);
-            k.squareConvolve(square.data(), square.data(), n, t.plan);
-            ASSERT_EQ(square, viaConvolve);
-        }
-    }
+        std::vector<Limb> tx = x, viaConvolve = x, square = x;
+        k.forward(tx.data(), tx.data(), n, plan);
+        k.convolve(viaConvolve.data(), viaConvolve.data(), n, tx.data(), plan);
+        k.squareConvolve(square.data(), square.data(), n, plan);
+        ASSERT_EQ(square, viaConvolve);
+    });
 }
 
 INSTANTIATE_TEST_SUITE_P(Paths, TransformPaths, ::testing::ValuesIn(supportedPaths()),

@@ -29,16 +29,16 @@ struct Avx2Lanes {
     static Reg sub(Reg a, Reg b) { return _mm256_sub_epi32(a, b); }
     static Reg minu(Reg a, Reg b) { return _mm256_min_epu32(a, b); }
     static Reg mullo(Reg a, Reg b) { return _mm256_mullo_epi32(a, b); }
-    static Reg mulhi(Reg a, Reg b) {
-        const Reg even = _mm256_mul_epu32(a, b);
-        const Reg odd = _mm256_mul_epu32(_mm256_srli_epi64(a, 32), _mm256_srli_epi64(b, 32));
-        return _mm256_blend_epi32(_mm256_srli_epi64(even, 32), odd, 0xAA);
-    }
     static void mulWide(Reg a, Reg b, Reg& hi, Reg& lo) {
         const Reg even = _mm256_mul_epu32(a, b);
         const Reg odd = _mm256_mul_epu32(_mm256_srli_epi64(a, 32), _mm256_srli_epi64(b, 32));
         hi = _mm256_blend_epi32(_mm256_srli_epi64(even, 32), odd, 0xAA);
         lo = _mm256_blend_epi32(even, _mm256_slli_epi64(odd, 32), 0xAA);
+    }
+    static Reg mulhi(Reg a, Reg b) {
+        Reg hi, lo;
+        mulWide(a, b, hi, lo);  // the low words fold away
+        return hi;
     }
 
     // Four 64-bit lanes, for the limb-radix weights of the Chinese remainder step.
@@ -48,7 +48,7 @@ struct Avx2Lanes {
         high = _mm256_cvtepu32_epi64(_mm256_extracti128_si256(a, 1));
     }
     static Wide broadcastWide(std::uint64_t v) { return _mm256_set1_epi64x(std::int64_t(v)); }
-    static Wide mulWide(Wide a, Wide b) { return _mm256_mul_epu32(a, b); }  // low words, 64-bit products
+    static Wide mulLowWords(Wide a, Wide b) { return _mm256_mul_epu32(a, b); }  // 64-bit products of the low words
     static Wide addWide(Wide a, Wide b) { return _mm256_add_epi64(a, b); }
     static void storeWide(std::uint64_t* p, Wide v) { _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), v); }
 
@@ -77,22 +77,16 @@ struct Avx2Lanes {
         a = p;
         b = q;
     }
+    // Exchanging halves (H = 4) or 64-bit pairs (H = 2) undoes itself.
     template <std::size_t H>
     static void merge(Reg& p, Reg& q) {
-        Reg a, b;
-        if constexpr (H == 4) {
-            a = _mm256_permute2x128_si256(p, q, 0x20);
-            b = _mm256_permute2x128_si256(p, q, 0x31);
-        } else if constexpr (H == 2) {
-            a = _mm256_unpacklo_epi64(p, q);
-            b = _mm256_unpackhi_epi64(p, q);
+        if constexpr (H == 1) {
+            const Reg a = _mm256_unpacklo_epi32(p, q), b = _mm256_unpackhi_epi32(p, q);
+            p = a;
+            q = b;
         } else {
-            static_assert(H == 1);
-            a = _mm256_unpacklo_epi32(p, q);
-            b = _mm256_unpackhi_epi32(p, q);
+            split<H>(p, q);
         }
-        p = a;
-        q = b;
     }
 };
 

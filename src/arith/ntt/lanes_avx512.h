@@ -23,16 +23,16 @@ struct Avx512Lanes {
     static Reg sub(Reg a, Reg b) { return _mm512_sub_epi32(a, b); }
     static Reg minu(Reg a, Reg b) { return _mm512_min_epu32(a, b); }
     static Reg mullo(Reg a, Reg b) { return _mm512_mullo_epi32(a, b); }
-    static Reg mulhi(Reg a, Reg b) {
-        const Reg even = _mm512_mul_epu32(a, b);
-        const Reg odd = _mm512_mul_epu32(_mm512_srli_epi64(a, 32), _mm512_srli_epi64(b, 32));
-        return _mm512_mask_blend_epi32(0xAAAA, _mm512_srli_epi64(even, 32), odd);
-    }
     static void mulWide(Reg a, Reg b, Reg& hi, Reg& lo) {
         const Reg even = _mm512_mul_epu32(a, b);
         const Reg odd = _mm512_mul_epu32(_mm512_srli_epi64(a, 32), _mm512_srli_epi64(b, 32));
         hi = _mm512_mask_blend_epi32(0xAAAA, _mm512_srli_epi64(even, 32), odd);
         lo = _mm512_mask_blend_epi32(0xAAAA, even, _mm512_slli_epi64(odd, 32));
+    }
+    static Reg mulhi(Reg a, Reg b) {
+        Reg hi, lo;
+        mulWide(a, b, hi, lo);  // the low words fold away
+        return hi;
     }
 
     // Eight 64-bit lanes, for the limb-radix weights of the Chinese remainder step.
@@ -42,7 +42,7 @@ struct Avx512Lanes {
         high = _mm512_cvtepu32_epi64(_mm512_extracti64x4_epi64(a, 1));
     }
     static Wide broadcastWide(std::uint64_t v) { return _mm512_set1_epi64(std::int64_t(v)); }
-    static Wide mulWide(Wide a, Wide b) { return _mm512_mul_epu32(a, b); }  // low words, 64-bit products
+    static Wide mulLowWords(Wide a, Wide b) { return _mm512_mul_epu32(a, b); }  // 64-bit products of the low words
     static Wide addWide(Wide a, Wide b) { return _mm512_add_epi64(a, b); }
     static void storeWide(std::uint64_t* p, Wide v) { _mm512_storeu_si512(p, v); }
 
@@ -76,26 +76,22 @@ struct Avx512Lanes {
         a = p;
         b = q;
     }
+    // Exchanging 256-bit halves (H = 8) or 64-bit pairs (H = 2) undoes itself.
     template <std::size_t H>
     static void merge(Reg& p, Reg& q) {
-        Reg a, b;
-        if constexpr (H == 8) {
-            a = _mm512_shuffle_i64x2(p, q, 0x44);
-            b = _mm512_shuffle_i64x2(p, q, 0xEE);
-        } else if constexpr (H == 4) {
+        if constexpr (H == 4) {
             // a = quarters p0 q0 p1 q1, b = p2 q2 p3 q3 (in 64-bit elements).
-            a = _mm512_permutex2var_epi64(p, _mm512_setr_epi64(0, 1, 8, 9, 2, 3, 10, 11), q);
-            b = _mm512_permutex2var_epi64(p, _mm512_setr_epi64(4, 5, 12, 13, 6, 7, 14, 15), q);
-        } else if constexpr (H == 2) {
-            a = _mm512_unpacklo_epi64(p, q);
-            b = _mm512_unpackhi_epi64(p, q);
+            const Reg a = _mm512_permutex2var_epi64(p, _mm512_setr_epi64(0, 1, 8, 9, 2, 3, 10, 11), q);
+            const Reg b = _mm512_permutex2var_epi64(p, _mm512_setr_epi64(4, 5, 12, 13, 6, 7, 14, 15), q);
+            p = a;
+            q = b;
+        } else if constexpr (H == 1) {
+            const Reg a = _mm512_unpacklo_epi32(p, q), b = _mm512_unpackhi_epi32(p, q);
+            p = a;
+            q = b;
         } else {
-            static_assert(H == 1);
-            a = _mm512_unpacklo_epi32(p, q);
-            b = _mm512_unpackhi_epi32(p, q);
+            split<H>(p, q);
         }
-        p = a;
-        q = b;
     }
 };
 

@@ -6,13 +6,15 @@
 // header after lanes_<path>.h, and include the non-template headers it uses
 // before switching the target.
 //
-// Layout (transform_plan.h): radix-2 decimation in frequency with the roots of
-// level h in level layout.  Levels whose span h is at least the lane count
-// pair whole registers; the last levels pair lanes inside registers
-// (split/merge in lanes_*.h).  Long blocks recurse depth first, one radix-2
-// level over the whole block each step, until a block fits kLeafLength; the
-// convolution runs forward levels, pointwise product and inverse levels of a
-// leaf while it is in cache.
+// Order of work (transform_plan.h): radix-2 decimation in frequency, two
+// levels per pass over memory where possible (radix 4 in registers).  Levels
+// whose span h is at least the lane count pair whole registers; the last
+// levels pair lanes inside registers (split/merge in lanes_*.h).  Long blocks
+// recurse depth first, two levels over the whole block each step, until a
+// block fits kLeafLength; the convolution runs forward levels, pointwise
+// product and inverse levels of a leaf while it is in cache.  Cost per
+// transform: (N/2) log2 N butterflies of about sixteen register operations per
+// register of lanes, plus for N = 3M one radix-3 layer (about four levels' worth).
 #pragma once
 
 #include <algorithm>
@@ -244,7 +246,7 @@ public:
         for (std::size_t r = 0; r < 3; ++r) std::fill(x + r * m + j, x + (r + 1) * m, Limb(0));
     }
 
-    // Undoes radix3Forward up to a factor 3.
+    // Undoes radix3ForwardFrom up to a factor 3.
     void radix3Inverse(Limb* x) const {
         const std::size_t m = plan_.blockLength;
         RootChain c1(plan_, plan_.rootInverse, 1), c2(plan_, plan_.rootInverse, 2);
@@ -659,11 +661,11 @@ void garnerKernel(std::uint64_t* e0, std::uint64_t* e1, std::uint64_t* e2, const
             V::widen(t2, b[0], b[1]);
             for (std::size_t k = 0; k < 2; ++k) {
                 V::storeWide(e0 + i + k * half,
-                             V::addWide(x[k], V::addWide(V::mulWide(a[k], V::broadcastWide(rw[0])),
-                                                         V::mulWide(b[k], V::broadcastWide(rw[1])))));
-                V::storeWide(e1 + i + k * half, V::addWide(V::mulWide(a[k], V::broadcastWide(rw[2])),
-                                                           V::mulWide(b[k], V::broadcastWide(rw[3]))));
-                V::storeWide(e2 + i + k * half, V::mulWide(b[k], V::broadcastWide(rw[4])));
+                             V::addWide(x[k], V::addWide(V::mulLowWords(a[k], V::broadcastWide(rw[0])),
+                                                         V::mulLowWords(b[k], V::broadcastWide(rw[1])))));
+                V::storeWide(e1 + i + k * half, V::addWide(V::mulLowWords(a[k], V::broadcastWide(rw[2])),
+                                                           V::mulLowWords(b[k], V::broadcastWide(rw[3]))));
+                V::storeWide(e2 + i + k * half, V::mulLowWords(b[k], V::broadcastWide(rw[4])));
             }
         }
     }

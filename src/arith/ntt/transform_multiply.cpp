@@ -73,28 +73,26 @@ void addMultipleOfLimb(Limb* out, std::size_t room, const Span& a, Limb m) {
     }
 }
 
-// One convolution covers the whole product: the primes are done one after
-// another, so only three residue vectors live at a time (the transform of S,
-// and the results of the second and third primes; the first is parked in out).
-// out[0 .. room) is zero on entry; the product lands in out[0 .. count + 1).
-template <class R>
-void productOneConvolution(Limb* out, std::size_t room, const Span& longer, const Span& shorter,
-                           std::size_t length) {
-    const std::size_t count = longer.length + shorter.length - 1;
+// One convolution of the given length covers the whole result: the primes
+// are done one after another, so besides `extraWords` of scratch only two
+// residue vectors live (the second and third primes'; the first is parked in
+// out).  convolveOnPrime(kernels, plan, r, scratch) leaves the prime's
+// residues in r[0..length).  out[0 .. room) is zero on entry; the result
+// (count convolution sums) lands in out[0 .. count + 1).
+template <class R, class ConvolveOnPrime>
+void primeByPrime(Limb* out, std::size_t room, std::size_t count, std::size_t length, std::size_t extraWords,
+                  ConvolveOnPrime convolveOnPrime) {
     const TransformKernels& kernels = transformKernels(length);
     const std::size_t m = blockLengthOf(length);
     // One allocation, so that repeated products reuse the same heap block.
-    AlignedWords words = allocateWords(3 * length + topRootWords(m));
-    Limb* s = words.get();
-    Limb* r1 = s + length;
+    AlignedWords words = allocateWords(2 * length + extraWords + topRootWords(m));
+    Limb* r1 = words.get();
     Limb* r2 = r1 + length;
-    Limb* topWords = r2 + length;
+    Limb* scratch = r2 + length;
+    Limb* topWords = scratch + extraWords;
     for (std::size_t k = 0; k < kPrimeCount; ++k) {
-        const TransformPlan plan = makePlan(k, length, buildTopRootTable(kernels, k, m, topWords));
-        kernels.forward(s, shorter.limbs, shorter.length, plan);
-        if (terminateRequested()) return;
         Limb* r = k == 2 ? r2 : r1;
-        kernels.convolve(r, longer.limbs, longer.length, s, plan);
+        convolveOnPrime(kernels, makePlan(k, length, buildTopRootTable(kernels, k, m, topWords)), r, scratch);
         if (terminateRequested()) return;
         if (k == 0) std::copy(r, r + count, out);
     }
@@ -177,10 +175,16 @@ void transformMultiply(Limb* out, const Limb* a, std::size_t an, const Limb* b, 
     std::size_t length = 2 * nextPowerOfTwo(s);
     if (longer.length + s <= kTransformMaxLength && longer.length < 2 * (length - s)) length = longer.length + s;
     length = roundTransformLength(length);
-    if (length - s >= longer.length)
-        productOneConvolution<R>(at, room, longer, shorter, length);
-    else
+    if (length - s < longer.length) {
         productInChunks<R>(at, room, longer, shorter, length);
+        return;
+    }
+    // The scratch holds the transform of S.
+    primeByPrime<R>(at, room, longer.length + s - 1, length, length,
+                    [&](const TransformKernels& kernels, const TransformPlan& plan, Limb* r, Limb* scratch) {
+                        kernels.forward(scratch, shorter.limbs, shorter.length, plan);
+                        if (!terminateRequested()) kernels.convolve(r, longer.limbs, longer.length, scratch, plan);
+                    });
 }
 
 template <class R>
@@ -193,22 +197,10 @@ void transformSquare(Limb* out, const Limb* a, std::size_t n) {
         return;
     }
     std::fill(out, out + 2 * n, 0);
-    Limb* at = out + 2 * x.offset;
-    const std::size_t room = 2 * (n - x.offset);
-    const std::size_t count = 2 * x.length - 1;
-    const TransformKernels& kernels = transformKernels(length);
-    const std::size_t m = blockLengthOf(length);
-    AlignedWords words = allocateWords(2 * length + topRootWords(m));
-    Limb* r1 = words.get();
-    Limb* r2 = r1 + length;
-    Limb* topWords = r2 + length;
-    for (std::size_t k = 0; k < kPrimeCount; ++k) {
-        Limb* r = k == 2 ? r2 : r1;
-        kernels.squareConvolve(r, x.limbs, x.length, makePlan(k, length, buildTopRootTable(kernels, k, m, topWords)));
-        if (terminateRequested()) return;
-        if (k == 0) std::copy(r, r + count, at);
-    }
-    crtToLimbs<R>(at, room, at, r1, r2, count, garnerForLength(length), kernels, false);
+    primeByPrime<R>(out + 2 * x.offset, 2 * (n - x.offset), 2 * x.length - 1, length, 0,
+                    [&](const TransformKernels& kernels, const TransformPlan& plan, Limb* r, Limb*) {
+                        kernels.squareConvolve(r, x.limbs, x.length, plan);
+                    });
 }
 
 template void transformMultiply<DecimalRadix>(Limb*, const Limb*, std::size_t, const Limb*, std::size_t);
