@@ -47,15 +47,13 @@ public:
     ForcedPath& operator=(const ForcedPath&) = delete;
 };
 
-inline std::size_t blockLength(std::size_t n) { return (n & (n - 1)) == 0 ? n : n / 3; }
-
 // A transform length's plan with the long-level tables it needs.
 struct PlannedTransform {
     std::vector<Limb> topWords;
     ntt::TransformPlan plan;
     PlannedTransform(const ntt::TransformKernels& k, std::size_t prime, std::size_t length)
-        : topWords(ntt::topRootWords(blockLength(length))) {
-        plan = ntt::makePlan(prime, length, ntt::buildTopRootTable(k, prime, blockLength(length), topWords.data()));
+        : topWords(ntt::topRootWords(ntt::transformBlockLength(length))) {
+        plan = ntt::makePlan(prime, length, ntt::buildTopRootTable(k, prime, ntt::transformBlockLength(length), topWords.data()));
     }
 };
 

@@ -16,7 +16,7 @@ constexpr std::uint64_t kSeed = 0x7a3f1e5d2c4b6a98ull;
 std::vector<std::size_t> lengthsFor(const ntt::TransformKernels& k, std::size_t minLength, std::size_t maxLength) {
     std::vector<std::size_t> out;
     for (const std::uint32_t n : ntt::kTransformLengths)
-        if (n >= minLength && n <= maxLength && blockLength(n) >= 2 * k.lanes) out.push_back(n);
+        if (n >= minLength && n <= maxLength && ntt::transformBlockLength(n) >= 2 * k.lanes) out.push_back(n);
     return out;
 }
 

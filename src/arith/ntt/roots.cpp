@@ -1,6 +1,7 @@
 #include "arith/ntt/roots.h"
 
 #include "arith/ntt/roots_of_unity.h"
+#include "arith/ntt/transform_lengths.h"
 
 namespace tw::arith::ntt {
 
@@ -52,7 +53,7 @@ TopRootTable buildTopRootTable(const TransformKernels& kernels, std::size_t prim
 TransformPlan makePlan(std::size_t primeIndex, std::size_t length, const TopRootTable& top) {
     TransformPlan plan;
     plan.length = length;
-    plan.blockLength = (length & (length - 1)) == 0 ? length : length / 3;
+    plan.blockLength = transformBlockLength(length);
     plan.prime = primeConstants(primeIndex);
     const LeafRootTables& leaf = leafRootTables(primeIndex);
     const Limb* topCompanions = top.words ? top.words + topLevelOffset(top.blockLength) : nullptr;

@@ -2,6 +2,8 @@
 
 #include <atomic>
 
+#include "arith/ntt/transform_lengths.h"
+
 namespace tw::arith::ntt {
 
 namespace {
@@ -40,8 +42,7 @@ const TransformKernels& transformKernels(std::size_t length) {
     const TransformKernels* k = &scalarKernels();
     if (path == TransformPath::Avx512) k = &avx512Kernels();
     else if (path == TransformPath::Avx2) k = &avx2Kernels();
-    const std::size_t block = (length & (length - 1)) == 0 ? length : length / 3;
-    return block >= 2 * k->lanes ? *k : scalarKernels();
+    return transformBlockLength(length) >= 2 * k->lanes ? *k : scalarKernels();
 }
 
 }  // namespace tw::arith::ntt

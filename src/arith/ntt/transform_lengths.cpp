@@ -5,7 +5,7 @@
 namespace tw::arith::ntt {
 
 std::size_t roundTransformLength(std::size_t length) {
-    if ((length & (length - 1)) == 0) return length;
+    if (isPowerOfTwo(length)) return length;
     return *std::lower_bound(kTransformLengths.begin(), kTransformLengths.end(), length);
 }
 

@@ -29,6 +29,13 @@ inline constexpr std::array<std::uint32_t, kTransformLengthCount> kTransformLeng
 // Precondition: length <= 3 * 2^30.
 std::size_t roundTransformLength(std::size_t length);
 
+constexpr bool isPowerOfTwo(std::size_t n) { return (n & (n - 1)) == 0; }
+
+// The power-of-two block M of a length N = M or N = 3M.
+constexpr std::size_t transformBlockLength(std::size_t length) {
+    return isPowerOfTwo(length) ? length : length / 3;
+}
+
 // The smallest power of two >= n (n >= 1).
 constexpr std::size_t nextPowerOfTwo(std::size_t n) {
     std::size_t p = 1;

@@ -35,8 +35,6 @@ Span trimmed(const Limb* p, std::size_t n) {
     return {p + lo, hi - lo, lo};
 }
 
-std::size_t blockLengthOf(std::size_t length) { return (length & (length - 1)) == 0 ? length : length / 3; }
-
 // Garner constants for residues left by a convolution of the given length:
 // the inverse transform multiplies by N, the Montgomery pointwise product by
 // 2^-32, so the residues are undone by 2^32 / N.
@@ -77,13 +75,13 @@ void addMultipleOfLimb(Limb* out, std::size_t room, const Span& a, Limb m) {
 // are done one after another, so besides `extraWords` of scratch only two
 // residue vectors live (the second and third primes'; the first is parked in
 // out).  convolveOnPrime(kernels, plan, r, scratch) leaves the prime's
-// residues in r[0..length).  out[0 .. room) is zero on entry; the result
-// (count convolution sums) lands in out[0 .. count + 1).
+// residues in r[0..length).  The result (count convolution sums) lands in
+// out[0 .. count + 1); out[count + 1 .. room) must be zero.
 template <class R, class ConvolveOnPrime>
 void primeByPrime(Limb* out, std::size_t room, std::size_t count, std::size_t length, std::size_t extraWords,
                   ConvolveOnPrime convolveOnPrime) {
     const TransformKernels& kernels = transformKernels(length);
-    const std::size_t m = blockLengthOf(length);
+    const std::size_t m = transformBlockLength(length);
     // One allocation, so that repeated products reuse the same heap block.
     AlignedWords words = allocateWords(2 * length + extraWords + topRootWords(m));
     Limb* r1 = words.get();
@@ -104,19 +102,19 @@ void primeByPrime(Limb* out, std::size_t room, std::size_t count, std::size_t le
 // fraction of a power-of-two length), on the same code path.
 std::size_t chunkTransformLength(std::size_t length, std::size_t needed) {
     const TransformKernels* kernels = &transformKernels(length);
-    while ((length & (length - 1)) == 0 && length / 2 >= needed && &transformKernels(length / 2) == kernels)
+    while (isPowerOfTwo(length) && length / 2 >= needed && &transformKernels(length / 2) == kernels)
         length /= 2;
     return length;
 }
 
 // The longer factor in chunks of (length - len(S)) limbs, each convolved with
 // the transforms of S (kept for all three primes) and added in at its offset.
-// out[0 .. room) is zero on entry.
+// out[0 .. room) is zero on entry; six residue vectors live at a time.
 template <class R>
 void productInChunks(Limb* out, std::size_t room, const Span& longer, const Span& shorter, std::size_t length) {
     const TransformKernels& kernels = transformKernels(length);
     const std::size_t chunk = length - shorter.length;
-    const std::size_t m = blockLengthOf(length), topWords = topRootWords(m);
+    const std::size_t m = transformBlockLength(length), topWords = topRootWords(m);
     AlignedWords words = allocateWords(kPrimeCount * (2 * length + topWords));
     Limb *transformOfS[kPrimeCount], *work[kPrimeCount];
     TopRootTable top[kPrimeCount];
@@ -159,13 +157,19 @@ bool transformFits(std::size_t shorterLength) {
 template <class R>
 void transformMultiply(Limb* out, const Limb* a, std::size_t an, const Limb* b, std::size_t bn) {
     using namespace ntt;
-    std::fill(out, out + an + bn, 0);
+    const std::size_t total = an + bn;
     Span longer = trimmed(a, an), shorter = trimmed(b, bn);
-    if (longer.length == 0 || shorter.length == 0) return;
+    if (longer.length == 0 || shorter.length == 0) {
+        std::fill(out, out + total, 0);
+        return;
+    }
     if (longer.length < shorter.length) std::swap(longer, shorter);
     const std::size_t offset = longer.offset + shorter.offset;
     Limb* at = out + offset;
-    const std::size_t room = an + bn - offset;
+    const std::size_t room = total - offset;
+    // The product fills at[0 .. longer + shorter); only the limbs around it need clearing.
+    std::fill(out, at, 0);
+    std::fill(at + longer.length + shorter.length, out + total, 0);
     if (shorter.length == 1) {
         multiplyByLimb<R>(at, longer, shorter.limbs[0]);
         return;
@@ -176,6 +180,7 @@ void transformMultiply(Limb* out, const Limb* a, std::size_t an, const Limb* b, 
     if (longer.length + s <= kTransformMaxLength && longer.length < 2 * (length - s)) length = longer.length + s;
     length = roundTransformLength(length);
     if (length - s < longer.length) {
+        std::fill(at, at + longer.length + s, 0);  // the chunks add into it
         productInChunks<R>(at, room, longer, shorter, length);
         return;
     }
@@ -192,12 +197,14 @@ void transformSquare(Limb* out, const Limb* a, std::size_t n) {
     using namespace ntt;
     const Span x = trimmed(a, n);
     const std::size_t length = roundTransformLength(2 * x.length);
-    if (x.length == 0 || x.length == 1 || length > kTransformMaxLength) {
+    if (x.length <= 1 || length > kTransformMaxLength) {
         transformMultiply<R>(out, a, n, a, n);
         return;
     }
-    std::fill(out, out + 2 * n, 0);
-    primeByPrime<R>(out + 2 * x.offset, 2 * (n - x.offset), 2 * x.length - 1, length, 0,
+    Limb* at = out + 2 * x.offset;
+    std::fill(out, at, 0);
+    std::fill(at + 2 * x.length, out + 2 * n, 0);
+    primeByPrime<R>(at, 2 * (n - x.offset), 2 * x.length - 1, length, 0,
                     [&](const TransformKernels& kernels, const TransformPlan& plan, Limb* r, Limb*) {
                         kernels.squareConvolve(r, x.limbs, x.length, plan);
                     });
