@@ -1,4 +1,6 @@
-// The transform kernels, written once over a register type V (lanes_*.h).
+// The transform passes of one code path (levels, depth-first recursion, the
+// radix-3 layer, leaves with the pointwise product) and its table of kernels,
+// written once over a register type V (lanes_*.h).
 //
 // Every function here is a template on V, so each code path's translation unit
 // instantiates its own copies under its own target options and no copy
@@ -21,97 +23,16 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "arith/ntt/butterflies.h"
+#include "arith/ntt/garner_kernel.h"
 #include "arith/ntt/kernel_table.h"
 #include "arith/ntt/modular_lanes.h"
 #include "arith/ntt/prime_field.h"
+#include "arith/ntt/root_kernels.h"
 #include "arith/ntt/roots_of_unity.h"
 #include "arith/ntt/transform_plan.h"
 
 namespace tw::arith::ntt {
-
-template <std::size_t H>
-inline constexpr std::size_t kLog2 = 1 + kLog2<H / 2>;
-template <>
-inline constexpr std::size_t kLog2<1> = 0;
-
-// Gentleman-Sande butterfly (a, b) -> (a + b, (a - b) w).
-template <class V>
-inline void butterflyForward(const LaneField<V>& f, typename V::Reg& a, typename V::Reg& b, typename V::Reg w,
-                             typename V::Reg ws) {
-    const typename V::Reg d = f.subLazy(a, b);
-    a = f.add(a, b);
-    b = f.mulShoup(d, w, ws);
-}
-
-// Cooley-Tukey butterfly (a, b) -> (a + b w, a - b w): with w the inverse root
-// it undoes butterflyForward up to a factor 2.
-template <class V>
-inline void butterflyInverse(const LaneField<V>& f, typename V::Reg& a, typename V::Reg& b, typename V::Reg w,
-                             typename V::Reg ws) {
-    const typename V::Reg t = f.mulShoup(b, w, ws);
-    b = f.sub(a, t);
-    a = f.add(a, t);
-}
-
-// The roots of the in-register levels (spans H < lanes) in the lane order
-// split<H> leaves them in, indexed by log2 H (H = 1 multiplies by 1).
-template <class V>
-struct RegisterRoots {
-    typename V::Reg forward[4], forwardCompanion[4], inverse[4], inverseCompanion[4];
-};
-
-// Tracks the original positions of the lanes through the splits and reads
-// the root of each lane's butterfly: position j mod 2H, j < H, takes w_2H^j.
-template <class V, std::size_t H>
-void collectRegisterRoots(RegisterRoots<V>& rr, typename V::Reg& posA, typename V::Reg& posB,
-                          const TransformPlan& plan) {
-    V::template split<H>(posA, posB);
-    if constexpr (H > 1) {
-        alignas(64) Limb pos[V::lanes], w[V::lanes], ws[V::lanes], iw[V::lanes], iws[V::lanes];
-        V::store(pos, posA);
-        for (std::size_t lane = 0; lane < V::lanes; ++lane) {
-            const std::size_t j = pos[lane] % (2 * H);
-            w[lane] = plan.forward.roots(H)[j];
-            ws[lane] = plan.forward.companions(H)[j];
-            iw[lane] = plan.inverse.roots(H)[j];
-            iws[lane] = plan.inverse.companions(H)[j];
-        }
-        constexpr std::size_t k = kLog2<H>;
-        rr.forward[k] = V::load(w);
-        rr.forwardCompanion[k] = V::load(ws);
-        rr.inverse[k] = V::load(iw);
-        rr.inverseCompanion[k] = V::load(iws);
-        collectRegisterRoots<V, H / 2>(rr, posA, posB, plan);
-    }
-}
-
-template <class V, std::size_t H>
-inline void registerLevelsForward(const LaneField<V>& f, typename V::Reg& a, typename V::Reg& b,
-                                  const RegisterRoots<V>& rr) {
-    V::template split<H>(a, b);
-    if constexpr (H == 1) {
-        const typename V::Reg d = f.sub(a, b);
-        a = f.add(a, b);
-        b = d;
-    } else {
-        butterflyForward(f, a, b, rr.forward[kLog2<H>], rr.forwardCompanion[kLog2<H>]);
-        registerLevelsForward<V, H / 2>(f, a, b, rr);
-    }
-}
-
-template <class V, std::size_t H>
-inline void registerLevelsInverse(const LaneField<V>& f, typename V::Reg& a, typename V::Reg& b,
-                                  const RegisterRoots<V>& rr) {
-    if constexpr (H == 1) {
-        const typename V::Reg d = f.sub(a, b);
-        a = f.add(a, b);
-        b = d;
-    } else {
-        registerLevelsInverse<V, H / 2>(f, a, b, rr);
-        butterflyInverse(f, a, b, rr.inverse[kLog2<H>], rr.inverseCompanion[kLog2<H>]);
-    }
-    V::template merge<H>(a, b);
-}
 
 // The passes of one transform plan on one code path.
 template <class V>
@@ -573,102 +494,6 @@ void convolveKernel(Limb* x, const Limb* src, std::size_t len, const Limb* y, co
 template <class V>
 void squareKernel(Limb* x, const Limb* src, std::size_t len, const TransformPlan& plan) {
     convolveTransform<V, true>(x, src, len, x, plan);
-}
-
-// Roots of the levels kLeafLength <= h < M (layout in transform_plan.h).
-// The longest level is four interleaved chains of Montgomery forms
-// w^j 2^32 mod p, stepped one register at a time; from the Montgomery form m
-// of w, the Shoup companion floor(w 2^32 / p) is -m / p mod 2^32 (w 2^32 - m is a
-// multiple of p whose quotient is below 2^32), and w itself the Montgomery
-// reduction of m.  Each shorter level takes every other root of the one above
-// (w_h = w_2h^2).
-template <class V>
-void buildTopRoots(Limb* roots, Limb* companions, std::size_t blockLength, const PrimeConstants& prime) {
-    using Reg = typename V::Reg;
-    constexpr std::size_t L = V::lanes;
-    constexpr std::size_t kChains = 4;
-    if (blockLength <= kLeafLength) return;
-    const LaneField<V> f(prime);
-    const Reg one = V::broadcast(1), negPinv = V::broadcast(prime.negPinv);
-
-    const std::size_t top = blockLength / 2;
-    {
-        Limb* r = roots + topLevelOffset(top);
-        Limb* c = companions + topLevelOffset(top);
-        const std::uint32_t w = toMontgomery(rootOfUnity(prime.index, 2 * top), prime);
-        alignas(64) Limb start[kChains * L];
-        std::uint32_t power = prime.montR;
-        for (std::size_t i = 0; i < kChains * L; ++i) {
-            start[i] = power;
-            power = montMul(power, w, prime);
-        }
-        const Reg step = V::broadcast(fromMontgomery(power, prime));
-        const Reg stepCompanion = V::broadcast(shoupCompanionOfMontgomery(power, prime));
-        Reg m[kChains];
-        for (std::size_t k = 0; k < kChains; ++k) m[k] = V::load(start + k * L);
-        for (std::size_t j = 0; j < top; j += kChains * L) {
-            for (std::size_t k = 0; k < kChains; ++k) {
-                V::store(r + j + k * L, f.mulMontgomery(m[k], one));
-                V::store(c + j + k * L, V::mullo(m[k], negPinv));
-                m[k] = f.mulShoup(m[k], step, stepCompanion);
-            }
-        }
-    }
-    for (std::size_t h = top / 2; h >= kLeafLength; h /= 2) {
-        const Limb* ra = roots + topLevelOffset(2 * h);
-        const Limb* ca = companions + topLevelOffset(2 * h);
-        Limb* rb = roots + topLevelOffset(h);
-        Limb* cb = companions + topLevelOffset(h);
-        for (std::size_t j = 0; j < h; j += L) {
-            V::store(rb + j, V::evenLanes(V::load(ra + 2 * j), V::load(ra + 2 * j + L)));
-            V::store(cb + j, V::evenLanes(V::load(ca + 2 * j), V::load(ca + 2 * j + L)));
-        }
-    }
-    for (std::size_t h = kLeafLength; h <= top; h *= 2) {
-        std::fill(roots + topLevelOffset(h) + h, roots + topLevelOffset(h) + h + kTopLevelPad, prime.p - 1);
-        std::fill(companions + topLevelOffset(h) + h, companions + topLevelOffset(h) + h + kTopLevelPad,
-                  shoupCompanion(prime.p - 1, prime.p));
-    }
-}
-
-// Garner's digits (x0, t1, t2) by Shoup products with constants, then their
-// limb-radix terms in 64-bit lanes (digits below 2^31 times weights below R).
-template <class V>
-void garnerKernel(std::uint64_t* e0, std::uint64_t* e1, std::uint64_t* e2, const Limb* r0, const Limb* r1,
-                  const Limb* r2, std::size_t count, const GarnerConstants& g) {
-    using Reg = typename V::Reg;
-    const LaneField<V> f0(g.prime[0]), f1(g.prime[1]), f2(g.prime[2]);
-    const Reg k0 = V::broadcast(g.k0), k0s = V::broadcast(g.k0s);
-    const Reg k1 = V::broadcast(g.k1), k1s = V::broadcast(g.k1s), u1 = V::broadcast(g.u1), u1s = V::broadcast(g.u1s);
-    const Reg k2 = V::broadcast(g.k2), k2s = V::broadcast(g.k2s), v = V::broadcast(g.v), vs = V::broadcast(g.vs);
-    const Reg w = V::broadcast(g.w), ws = V::broadcast(g.ws);
-    const std::uint32_t* rw = g.radixWeights;
-    for (std::size_t i = 0; i < count; i += V::lanes) {
-        const Reg x0 = f0.mulShoup(V::load(r0 + i), k0, k0s);
-        const Reg t1 = f1.sub(f1.mulShoup(V::load(r1 + i), k1, k1s), f1.mulShoup(x0, u1, u1s));
-        const Reg t2 = f2.sub(f2.sub(f2.mulShoup(V::load(r2 + i), k2, k2s), f2.mulShoup(x0, v, vs)),
-                              f2.mulShoup(t1, w, ws));
-        if constexpr (V::lanes == 1) {
-            e0[i] = x0 + std::uint64_t(t1) * rw[0] + std::uint64_t(t2) * rw[1];
-            e1[i] = std::uint64_t(t1) * rw[2] + std::uint64_t(t2) * rw[3];
-            e2[i] = std::uint64_t(t2) * rw[4];
-        } else {
-            using Wide = typename V::Wide;
-            constexpr std::size_t half = V::lanes / 2;
-            Wide x[2], a[2], b[2];
-            V::widen(x0, x[0], x[1]);
-            V::widen(t1, a[0], a[1]);
-            V::widen(t2, b[0], b[1]);
-            for (std::size_t k = 0; k < 2; ++k) {
-                V::storeWide(e0 + i + k * half,
-                             V::addWide(x[k], V::addWide(V::mulLowWords(a[k], V::broadcastWide(rw[0])),
-                                                         V::mulLowWords(b[k], V::broadcastWide(rw[1])))));
-                V::storeWide(e1 + i + k * half, V::addWide(V::mulLowWords(a[k], V::broadcastWide(rw[2])),
-                                                           V::mulLowWords(b[k], V::broadcastWide(rw[3]))));
-                V::storeWide(e2 + i + k * half, V::mulLowWords(b[k], V::broadcastWide(rw[4])));
-            }
-        }
-    }
 }
 
 template <class V>
