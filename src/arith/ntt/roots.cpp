@@ -7,15 +7,17 @@ namespace tw::arith::ntt {
 
 namespace {
 
+// Each level a chain of Montgomery forms, so that neither the powers nor their
+// Shoup companions need a division (prime_field.h).
 void fillLevels(Limb* roots, Limb* companions, const PrimeConstants& c, bool inverse) {
     roots[0] = companions[0] = 0;
     for (std::size_t h = 1; h < kLeafLength; h *= 2) {
-        const std::uint32_t w = rootOfUnity(c.index, 2 * h, inverse);
-        std::uint32_t power = 1;
+        const std::uint32_t w = toMontgomery(rootOfUnity(c.index, 2 * h, inverse), c);
+        std::uint32_t power = c.montR;
         for (std::size_t j = 0; j < h; ++j) {
-            roots[h + j] = power;
-            companions[h + j] = shoupCompanion(power, c.p);
-            power = mulMod(power, w, c.p);
+            roots[h + j] = fromMontgomery(power, c);
+            companions[h + j] = shoupCompanionOfMontgomery(power, c);
+            power = montMul(power, w, c);
         }
     }
 }
