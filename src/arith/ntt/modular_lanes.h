@@ -27,7 +27,9 @@ struct LaneField {
     Reg subLazy(Reg a, Reg b) const { return V::add(V::sub(a, b), p); }
     Reg sub(Reg a, Reg b) const { return reduce(subLazy(a, b)); }
 
-    // Shoup product x * w mod p in [0, 2p), any 32-bit x, w < p with companion ws.
+    // Shoup product x * w mod p in [0, 2p), any 32-bit x, w < p with companion
+    // ws: the quotient estimate floor(x ws / 2^32) falls short of floor(x w / p)
+    // by at most one, so the remainder, taken modulo 2^32, is below 2p < 2^32.
     Reg mulShoupLazy(Reg x, Reg w, Reg ws) const {
         return V::sub(V::mullo(x, w), V::mullo(V::mulhi(x, ws), p));
     }

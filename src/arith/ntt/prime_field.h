@@ -59,17 +59,9 @@ constexpr std::uint32_t inverseModWord(std::uint32_t p) {
 
 // Shoup's companion of a constant w < p: floor(w * 2^32 / p).  With it,
 // x * w mod p for any 32-bit x costs two low products and one high product
-// and lands in [0, 2p) (shoupMul).
+// and lands in [0, 2p) (LaneField::mulShoupLazy).
 constexpr std::uint32_t shoupCompanion(std::uint32_t w, std::uint32_t p) {
     return std::uint32_t((std::uint64_t(w) << 32) / p);
-}
-
-// x * w mod p in [0, 2p) for any x < 2^32, w < p, ws = shoupCompanion(w, p).
-// The quotient estimate floor(x * ws / 2^32) falls short of floor(x * w / p) by
-// at most one, so the remainder computed modulo 2^32 is below 2p < 2^32.
-constexpr std::uint32_t shoupMulLazy(std::uint32_t x, std::uint32_t w, std::uint32_t ws, std::uint32_t p) {
-    const std::uint32_t q = std::uint32_t((std::uint64_t(x) * ws) >> 32);
-    return x * w - q * p;
 }
 
 // The constants of one prime the kernels need at run time.
@@ -113,7 +105,5 @@ static_assert(inverseModWord(kTransformPrimes[2].p) * kTransformPrimes[2].p == 1
 static_assert(shoupCompanionOfMontgomery(toMontgomery(12345, primeConstants(1)), primeConstants(1)) ==
               shoupCompanion(12345, kTransformPrimes[1].p));
 static_assert(montMul(toMontgomery(77, primeConstants(2)), 1000, primeConstants(2)) == 77000);
-static_assert(shoupMulLazy(0xFFFFFFFFu, 0x42000000u, shoupCompanion(0x42000000u, 0x42000001u), 0x42000001u) % 0x42000001u ==
-              mulMod(0xFFFFFFFFu % 0x42000001u, 0x42000000u, 0x42000001u));
 
 }  // namespace tw::arith::ntt
