@@ -41,6 +41,37 @@ inline void butterflyInverse(const LaneField<V>& f, typename V::Reg& a, typename
     a = f.add(a, t);
 }
 
+// split<H> / merge<H> (H < lanes) serve the butterfly levels whose span lies
+// inside one register: split gathers, from two registers, the lanes whose
+// index has bit H clear into the first and their partners (bit H set) into the
+// second, partner beside partner; merge undoes it.  Applied to the output of
+// the previous split, the partners of the next level are again H/2 lanes apart
+// in the same register, so the levels chain without merging in between.
+// Spans 2 and 1 stay inside 128-bit quarters; longer ones cross them.
+template <class V, std::size_t H>
+inline void split(typename V::Reg& a, typename V::Reg& b) {
+    if constexpr (H > 2) {
+        V::template splitHalves<H>(a, b);
+    } else {
+        const typename V::Reg p = H == 2 ? V::unpackLo64(a, b) : V::evenWords(a, b);
+        const typename V::Reg q = H == 2 ? V::unpackHi64(a, b) : V::oddWords(a, b);
+        a = p;
+        b = q;
+    }
+}
+template <class V, std::size_t H>
+inline void merge(typename V::Reg& p, typename V::Reg& q) {
+    if constexpr (H > 2) {
+        V::template mergeHalves<H>(p, q);
+    } else if constexpr (H == 2) {
+        split<V, 2>(p, q);  // exchanging 64-bit pairs undoes itself
+    } else {
+        const typename V::Reg a = V::unpackLo32(p, q), b = V::unpackHi32(p, q);
+        p = a;
+        q = b;
+    }
+}
+
 // The roots of the in-register levels (spans H < lanes) in the lane order
 // split<H> leaves them in, indexed by log2 H (H = 1 multiplies by 1).
 template <class V>
@@ -53,7 +84,7 @@ struct RegisterRoots {
 template <class V, std::size_t H>
 void collectRegisterRoots(RegisterRoots<V>& rr, typename V::Reg& posA, typename V::Reg& posB,
                           const TransformPlan& plan) {
-    V::template split<H>(posA, posB);
+    split<V, H>(posA, posB);
     if constexpr (H > 1) {
         alignas(64) Limb pos[V::lanes], w[V::lanes], ws[V::lanes], iw[V::lanes], iws[V::lanes];
         V::store(pos, posA);
@@ -76,7 +107,7 @@ void collectRegisterRoots(RegisterRoots<V>& rr, typename V::Reg& posA, typename 
 template <class V, std::size_t H>
 inline void registerLevelsForward(const LaneField<V>& f, typename V::Reg& a, typename V::Reg& b,
                                   const RegisterRoots<V>& rr) {
-    V::template split<H>(a, b);
+    split<V, H>(a, b);
     if constexpr (H == 1) {
         const typename V::Reg d = f.sub(a, b);
         a = f.add(a, b);
@@ -98,7 +129,7 @@ inline void registerLevelsInverse(const LaneField<V>& f, typename V::Reg& a, typ
         registerLevelsInverse<V, H / 2>(f, a, b, rr);
         butterflyInverse(f, a, b, rr.inverse[kLog2<H>], rr.inverseCompanion[kLog2<H>]);
     }
-    V::template merge<H>(a, b);
+    merge<V, H>(a, b);
 }
 
 }  // namespace tw::arith::ntt

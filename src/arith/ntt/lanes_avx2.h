@@ -1,12 +1,5 @@
 // Eight 32-bit lanes in an AVX2 register.  Include only in a translation unit
 // compiled for AVX2 (transform_avx2.cpp sets the target before including it).
-//
-// split<H> / merge<H> (H < 8) serve the butterfly levels whose span lies inside
-// one register: split gathers, from two registers, the lanes whose index has
-// bit H clear into the first and their partners (bit H set) into the second,
-// partner beside partner; merge undoes it.  Applied to the output of the
-// previous split, the partners of the next level are again H/2 lanes apart in
-// the same register, so the levels chain without merging in between.
 #pragma once
 
 #include <immintrin.h>
@@ -59,34 +52,31 @@ struct Avx2Lanes {
     }
     static Reg reverse(Reg a) { return _mm256_permutevar8x32_epi32(a, _mm256_setr_epi32(7, 6, 5, 4, 3, 2, 1, 0)); }
 
+    // Shuffles inside each 128-bit quarter, for the in-register levels (butterflies.h).
+    static Reg unpackLo64(Reg a, Reg b) { return _mm256_unpacklo_epi64(a, b); }
+    static Reg unpackHi64(Reg a, Reg b) { return _mm256_unpackhi_epi64(a, b); }
+    static Reg unpackLo32(Reg a, Reg b) { return _mm256_unpacklo_epi32(a, b); }
+    static Reg unpackHi32(Reg a, Reg b) { return _mm256_unpackhi_epi32(a, b); }
+    static Reg evenWords(Reg a, Reg b) { return shuffleWords<_MM_SHUFFLE(2, 0, 2, 0)>(a, b); }
+    static Reg oddWords(Reg a, Reg b) { return shuffleWords<_MM_SHUFFLE(3, 1, 3, 1)>(a, b); }
+
+    // The split of span 4 across 128-bit halves: exchanging them undoes itself.
     template <std::size_t H>
-    static void split(Reg& a, Reg& b) {
-        Reg p, q;
-        if constexpr (H == 4) {
-            p = _mm256_permute2x128_si256(a, b, 0x20);
-            q = _mm256_permute2x128_si256(a, b, 0x31);
-        } else if constexpr (H == 2) {
-            p = _mm256_unpacklo_epi64(a, b);
-            q = _mm256_unpackhi_epi64(a, b);
-        } else {
-            static_assert(H == 1);
-            const __m256 fa = _mm256_castsi256_ps(a), fb = _mm256_castsi256_ps(b);
-            p = _mm256_castps_si256(_mm256_shuffle_ps(fa, fb, _MM_SHUFFLE(2, 0, 2, 0)));
-            q = _mm256_castps_si256(_mm256_shuffle_ps(fa, fb, _MM_SHUFFLE(3, 1, 3, 1)));
-        }
+    static void splitHalves(Reg& a, Reg& b) {
+        static_assert(H == 4);
+        const Reg p = _mm256_permute2x128_si256(a, b, 0x20), q = _mm256_permute2x128_si256(a, b, 0x31);
         a = p;
         b = q;
     }
-    // Exchanging halves (H = 4) or 64-bit pairs (H = 2) undoes itself.
     template <std::size_t H>
-    static void merge(Reg& p, Reg& q) {
-        if constexpr (H == 1) {
-            const Reg a = _mm256_unpacklo_epi32(p, q), b = _mm256_unpackhi_epi32(p, q);
-            p = a;
-            q = b;
-        } else {
-            split<H>(p, q);
-        }
+    static void mergeHalves(Reg& p, Reg& q) {
+        splitHalves<H>(p, q);
+    }
+
+private:
+    template <int Imm>
+    static Reg shuffleWords(Reg a, Reg b) {
+        return _mm256_castps_si256(_mm256_shuffle_ps(_mm256_castsi256_ps(a), _mm256_castsi256_ps(b), Imm));
     }
 };
 

@@ -1,6 +1,5 @@
 // Sixteen 32-bit lanes in an AVX-512 register.  Include only in a translation
 // unit compiled for AVX-512F (transform_avx512.cpp sets the target first).
-// split<H> / merge<H> as in lanes_avx2.h, for spans H < 16.
 #pragma once
 
 #include <immintrin.h>
@@ -55,43 +54,48 @@ struct Avx512Lanes {
         return _mm512_permutexvar_epi32(_mm512_setr_epi32(15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0), a);
     }
 
+    // Shuffles inside each 128-bit quarter, for the in-register levels (butterflies.h).
+    static Reg unpackLo64(Reg a, Reg b) { return _mm512_unpacklo_epi64(a, b); }
+    static Reg unpackHi64(Reg a, Reg b) { return _mm512_unpackhi_epi64(a, b); }
+    static Reg unpackLo32(Reg a, Reg b) { return _mm512_unpacklo_epi32(a, b); }
+    static Reg unpackHi32(Reg a, Reg b) { return _mm512_unpackhi_epi32(a, b); }
+    static Reg evenWords(Reg a, Reg b) { return shuffleWords<_MM_SHUFFLE(2, 0, 2, 0)>(a, b); }
+    static Reg oddWords(Reg a, Reg b) { return shuffleWords<_MM_SHUFFLE(3, 1, 3, 1)>(a, b); }
+
+    // The splits of spans 8 and 4 across 128-bit quarters.
     template <std::size_t H>
-    static void split(Reg& a, Reg& b) {
+    static void splitHalves(Reg& a, Reg& b) {
         Reg p, q;
         if constexpr (H == 8) {
-            p = _mm512_shuffle_i64x2(a, b, 0x44);  // 128-bit quarters 0,1 of a, then of b
+            p = _mm512_shuffle_i64x2(a, b, 0x44);  // quarters 0,1 of a, then of b
             q = _mm512_shuffle_i64x2(a, b, 0xEE);  // quarters 2,3
-        } else if constexpr (H == 4) {
+        } else {
+            static_assert(H == 4);
             p = _mm512_shuffle_i64x2(a, b, 0x88);  // quarters 0,2
             q = _mm512_shuffle_i64x2(a, b, 0xDD);  // quarters 1,3
-        } else if constexpr (H == 2) {
-            p = _mm512_unpacklo_epi64(a, b);
-            q = _mm512_unpackhi_epi64(a, b);
-        } else {
-            static_assert(H == 1);
-            const __m512 fa = _mm512_castsi512_ps(a), fb = _mm512_castsi512_ps(b);
-            p = _mm512_castps_si512(_mm512_shuffle_ps(fa, fb, _MM_SHUFFLE(2, 0, 2, 0)));
-            q = _mm512_castps_si512(_mm512_shuffle_ps(fa, fb, _MM_SHUFFLE(3, 1, 3, 1)));
         }
         a = p;
         b = q;
     }
-    // Exchanging 256-bit halves (H = 8) or 64-bit pairs (H = 2) undoes itself.
+    // Exchanging 256-bit halves (H = 8) undoes itself; H = 4 interleaves the
+    // quarters back: a = p0 q0 p1 q1, b = p2 q2 p3 q3 (in 64-bit elements).
     template <std::size_t H>
-    static void merge(Reg& p, Reg& q) {
-        if constexpr (H == 4) {
-            // a = quarters p0 q0 p1 q1, b = p2 q2 p3 q3 (in 64-bit elements).
+    static void mergeHalves(Reg& p, Reg& q) {
+        if constexpr (H == 8) {
+            splitHalves<H>(p, q);
+        } else {
+            static_assert(H == 4);
             const Reg a = _mm512_permutex2var_epi64(p, _mm512_setr_epi64(0, 1, 8, 9, 2, 3, 10, 11), q);
             const Reg b = _mm512_permutex2var_epi64(p, _mm512_setr_epi64(4, 5, 12, 13, 6, 7, 14, 15), q);
             p = a;
             q = b;
-        } else if constexpr (H == 1) {
-            const Reg a = _mm512_unpacklo_epi32(p, q), b = _mm512_unpackhi_epi32(p, q);
-            p = a;
-            q = b;
-        } else {
-            split<H>(p, q);
         }
+    }
+
+private:
+    template <int Imm>
+    static Reg shuffleWords(Reg a, Reg b) {
+        return _mm512_castps_si512(_mm512_shuffle_ps(_mm512_castsi512_ps(a), _mm512_castsi512_ps(b), Imm));
     }
 };
 
