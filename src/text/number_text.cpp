@@ -23,7 +23,7 @@ TextView<Char> withMagnitudeIn(SignedNumber<R>& x, Write&& write) {
     } else {
         NumberRecord converted;
         setFromDigits<To>(converted, R::base, x.limbs(), x.rec().topIndex + 1);
-        if (terminateRequested()) return {};
+        if (terminateRequested()) return stoppedText<Char>(x.rec());
         return write(converted);
     }
 }
@@ -48,8 +48,7 @@ TextView<Char> hexDigitText(SignedNumber<R>& x, unsigned flags, bool withPrefix,
 template <class Char, class R>
 bool answeredEarly(SignedNumber<R>& x, TextView<Char>& text, std::uint32_t* digitCount) {
     if (terminateRequested()) {
-        emptyTextBuffer<Char>(x.rec());
-        text = {};
+        text = stoppedText<Char>(x.rec());
         return true;
     }
     if (x.isZero()) {
@@ -95,7 +94,7 @@ TextView<Char> radixText(SignedNumber<R>& x, std::uint32_t radix, unsigned flags
         return hexDigitText<Char>(x, flags, true, digitCount);
 
     const std::vector<std::uint32_t> digits = toDigits<R>(x.rec(), radix);
-    if (terminateRequested() || digits.empty()) return {};
+    if (terminateRequested() || digits.empty()) return stoppedText<Char>(x.rec());
     TextView<Char> written = (radix == 0 || radix > 62)
                                  ? writeBracketedText<Char>(x.rec(), digits, radix, x.sign, flags)
                                  : writeRadixText<Char>(x.rec(), digits, radix, x.sign, flags, groupLength);

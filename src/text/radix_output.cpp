@@ -17,13 +17,8 @@ constexpr char kMixedDigits[] = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijk
 // Digits written between two polls of the terminate flag.
 constexpr std::size_t kPollInterval = 4096;
 
-// True (and the buffer emptied) when the terminate flag is raised at a poll point.
-template <class Char>
-bool stopped(NumberRecord& owner, std::size_t written) {
-    if (written % kPollInterval != 0 || !terminateRequested()) return false;
-    emptyTextBuffer<Char>(owner);
-    return true;
-}
+// True when the terminate flag is raised at a poll point.
+bool stopped(std::size_t written) { return written % kPollInterval == 0 && terminateRequested(); }
 
 }  // namespace
 
@@ -41,7 +36,7 @@ TextView<Char> writeRadixText(NumberRecord& owner, const std::vector<std::uint32
     Char* at = end;
     const Char sep = separator<Char>(flags);
     for (std::size_t d = 0; d < count; ++d) {
-        if (stopped<Char>(owner, d + 1)) return {};
+        if (stopped(d + 1)) return stoppedText<Char>(owner);
         if (group && d != 0 && d % group == 0) *--at = sep;
         *--at = Char(alphabet[digits[d]]);
     }
@@ -71,7 +66,7 @@ TextView<Char> writeBracketedText(NumberRecord& owner, const std::vector<std::ui
     const Char sep = separator<Char>(flags);
     Char padded[12];  // a digit below 2^32 as twelve decimal characters
     for (std::size_t d = 0; d < count; ++d) {
-        if (stopped<Char>(owner, d + 1)) return {};
+        if (stopped(d + 1)) return stoppedText<Char>(owner);
         if (grouped && d != 0) *--at = sep;
         const std::uint32_t v = digits[d];
         copyGroup(padded, tables.decimal[v / 100000000u]);

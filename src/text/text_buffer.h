@@ -35,6 +35,14 @@ Char* sizeTextBuffer(NumberRecord& record, std::size_t size);
 template <class Char>
 void emptyTextBuffer(NumberRecord& record);
 
+// The answer of a call stopped by the terminate flag: the buffer of this width
+// emptied and no text.
+template <class Char>
+TextView<Char> stoppedText(NumberRecord& record) {
+    emptyTextBuffer<Char>(record);
+    return {};
+}
+
 // The text "0" in the buffer of this width.
 template <class Char>
 TextView<Char> zeroText(NumberRecord& record);

@@ -137,4 +137,30 @@ TYPED_TEST(TextBuffers, BufferThatCannotGrowRecordsTooLarge) {
     EXPECT_EQ(radixStrOf<F>(x, 10, 0, 0, &count), "123456789012345678901234567890");
 }
 
+// A conversion between the limb radices that runs out of storage gives no
+// text (not the text of a zero) and reads a text as zero.
+TYPED_TEST(TextBuffers, ConversionThatRunsOutOfStorage) {
+    using F = TypeParam;
+    const bool binary = F::Radix::isBinary;
+    Number<F> x;
+    const std::string digits(600, '7');
+    F::set_strA(x, ((binary ? "0x" : "") + digits).c_str());
+    tw::setLimbAllocationCeilingForTesting(20);
+    std::uint32_t count = 99;
+    if (binary)
+        EXPECT_EQ(radixStrOf<F>(x, 10, 0, 0, &count), std::nullopt);
+    else
+        EXPECT_EQ(hexStrOf<F>(x, 0), std::nullopt);
+    EXPECT_EQ(count, binary ? 0u : 99u);
+    EXPECT_EQ(TW_getLastError(), -3);
+    TW_setTerminate(0);
+    Number<F> y(5);
+    F::set_strA(y, ((binary ? "" : "0x") + digits).c_str());
+    EXPECT_EQ(TW_getLastError(), -3);
+    EXPECT_EQ(F::isZero(y), 1u);
+    EXPECT_TRUE(recordIsNormal(y.object()));
+    tw::setLimbAllocationCeilingForTesting(SIZE_MAX);
+    TW_setTerminate(0);
+}
+
 }  // namespace
