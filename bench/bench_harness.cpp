@@ -5,28 +5,12 @@
 #include <cstdio>
 #include <random>
 
-#include "frame/machine_int.h"
 
 namespace twbench {
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
-
-// Sets a number of either radix from GMP's value through its limbs.
-template <class R>
-void setFromMpz(tw::SignedNumber<R>& x, mpz_srcptr v) {
-    std::vector<tw::Limb> limbs;
-    mpz_t a;
-    mpz_init_set(a, v);
-    while (mpz_sgn(a) != 0) limbs.push_back(tw::Limb(mpz_fdiv_q_ui(a, a, R::base)));
-    mpz_clear(a);
-    if (limbs.empty()) limbs.push_back(0);
-    tw::resizeStorage(x.rec(), std::uint32_t(limbs.size()), true);
-    std::copy(limbs.begin(), limbs.end(), x.rec().digits);
-    tw::normalizeIndices(x.rec(), std::uint32_t(limbs.size()));
-    x.sign = mpz_sgn(v);
-}
 
 double secondsPerCall(const std::function<void()>& f, std::size_t calls) {
     const auto start = Clock::now();
@@ -44,8 +28,8 @@ Operand::Operand(std::uint64_t seed, std::size_t digits) {
     mpz_init_set_str(gmp, text.c_str(), 10);
     hi = HI_new();
     hx = HX_new();
-    setFromMpz(*hi->number, gmp);
-    setFromMpz(*hx->number, gmp);
+    HI_set_strA(hi, text.c_str());
+    HX_set_strA(hx, text.c_str());
 }
 
 Operand::~Operand() {

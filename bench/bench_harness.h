@@ -10,7 +10,6 @@
 #include <string>
 #include <vector>
 
-#include "frame/handles.h"
 #include "tarnwick.h"
 
 namespace twbench {
