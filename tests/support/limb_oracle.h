@@ -45,11 +45,16 @@ struct Mpz {
 template <class R>
 void limbsToMpz(mpz_t out, const Limb* limbs, std::size_t n) {
     if constexpr (R::isBinary) {
-        mpz_set_ui(out, 0);
+        // Seven hexadecimal digits a 28-bit limb: building the text keeps this linear.
+        std::string s;
+        s.reserve(n * 7 + 1);
+        char buf[16];
         for (std::size_t i = n; i-- > 0;) {
-            mpz_mul_2exp(out, out, R::bitsPerLimb);
-            mpz_add_ui(out, out, limbs[i]);
+            std::snprintf(buf, sizeof buf, "%07x", limbs[i]);
+            s += buf;
         }
+        if (s.empty()) s = "0";
+        mpz_set_str(out, s.c_str(), 16);
     } else {
         // Nine decimal digits a limb: build the decimal text.
         std::string s;
