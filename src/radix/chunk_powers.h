@@ -6,7 +6,9 @@
 // kept apart: P_i = odd_i * 2^shift_i with odd_i = odd^(leaf * 2^i) and
 // shift_i = a * leaf * 2^i, so that products and divisions see only the odd
 // part (for the chunk 10^9 that is 5^9, 30 % shorter than 10^9) and the rest
-// is a shift.  Decimal limbs have no such cheap factor: odd_i is P_i.
+// is a shift.  Decimal limbs have no such cheap factor, and divisions want the
+// whole power (a divisor shortened that way leaves the quotient as long as
+// before, so the division runs in two blocks): there odd_i is P_i.
 #pragma once
 
 #include <cstddef>

@@ -21,7 +21,6 @@ namespace {
 template <class R>
 constexpr std::size_t kJoinLeaf = R::isBinary ? 256 : 32;
 constexpr std::size_t kSplitLeaf = 32;
-constexpr bool kSplitSeparateTwos = false;
 
 // The leaf for a run of `count` chunks: count / 2^L rounded up, for the
 // smallest L that brings it to at most `most`.  Every split of the tree then
@@ -31,20 +30,6 @@ std::size_t leafFor(std::size_t count, std::size_t most) {
     unsigned levels = 0;
     while (((count - 1) >> levels) + 1 > most) ++levels;
     return ((count - 1) >> levels) + 1;
-}
-
-// low + high * 2^shift (binary) or low + high (decimal), trimmed; consumes low.
-template <class R>
-Limbs addAtShift(Limbs low, const Limbs& high, std::uint64_t shift) {
-    const std::size_t offset = std::size_t(shift / BinaryRadix::bitsPerLimb);
-    low.resize(std::max(low.size(), high.size() + offset + 1) + 1, 0);
-    if constexpr (R::isBinary) {
-        addShiftedBits(low.data(), low.size(), offset, high.data(), high.size(), unsigned(shift % BinaryRadix::bitsPerLimb));
-    } else {
-        arith::addSpans<R>(low.data(), low.data(), low.size(), high.data(), high.size());
-    }
-    trimTop(low);
-    return low;
 }
 
 // Limbs of radix R that a value below chunk^count may need.
@@ -175,7 +160,7 @@ private:
 template <class R>
 class Splitter {
 public:
-    Splitter(std::size_t count, std::uint64_t chunk) : divisor_(chunk), powers_(chunk, leafFor(count, kSplitLeaf), kSplitSeparateTwos) {}
+    Splitter(std::size_t count, std::uint64_t chunk) : divisor_(chunk), powers_(chunk, leafFor(count, kSplitLeaf), false) {}
 
     // out[0..count) := the chunks of x < chunk^count.
     void split(std::uint32_t* out, std::size_t count, Limbs x) {
@@ -193,20 +178,14 @@ public:
         const unsigned level = ChunkPowers<R>::levelFor(count, leaf);
         const std::size_t half = leaf << level;
         Limbs quotient, remainder;
-        if (powers_.shift(level) != 0) {
-            // x = (top * 2^s) + bottom; top = q * odd + r'; remainder = r' * 2^s + bottom.
-            const std::uint64_t s = powers_.shift(level);
-            divide(level, shiftedDown(x.data(), x.size(), s), quotient, remainder);
-            remainder = addAtShift<R>(lowBits(x.data(), x.size(), s), remainder, s);
-        } else {
-            divide(level, std::move(x), quotient, remainder);
-        }
+        divide(level, std::move(x), quotient, remainder);
         split(out, half, std::move(remainder));
         split(out + half, count - half, std::move(quotient));
     }
 
 private:
-    // q, r := a div odd_level, a mod odd_level.
+    // q, r := a div P_level, a mod P_level (the splitter keeps no power of two
+    // apart, so odd(level) is the whole power).
     void divide(unsigned level, Limbs a, Limbs& q, Limbs& r) {
         const Limbs& d = powers_.odd(level);
         if (a.size() < d.size() || d.empty()) {

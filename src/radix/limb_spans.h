@@ -1,6 +1,6 @@
 // Small span helpers of the conversion engine: trimmed products into vectors,
-// word multiply-adds, and the bit shifts of binary limbs that let a power of
-// two inside a radix power be applied as a shift instead of a product.
+// word multiply-adds, and the shifted addition of binary limbs that applies a
+// power of two inside a radix power as a shift instead of a product.
 #pragma once
 
 #include <algorithm>
@@ -70,31 +70,6 @@ inline void addShiftedBits(Limb* acc, std::size_t size, std::size_t offset, cons
         rest = s >> width;
         out[i] = s & BinaryRadix::mask;
     }
-}
-
-// src / 2^shift (binary limbs), trimmed.
-inline Limbs shiftedDown(const Limb* src, std::size_t n, std::uint64_t shift) {
-    constexpr unsigned width = BinaryRadix::bitsPerLimb;
-    const std::size_t skip = std::size_t(shift / width);
-    const unsigned bits = unsigned(shift % width);
-    if (skip >= n) return {};
-    Limbs out(n - skip);
-    for (std::size_t i = 0; i < out.size(); ++i) {
-        const Limb above = i + skip + 1 < n ? (src[i + skip + 1] << (width - bits)) & BinaryRadix::mask : 0;
-        out[i] = bits ? (src[i + skip] >> bits) | above : src[i + skip];
-    }
-    trimTop(out);
-    return out;
-}
-
-// src mod 2^shift (binary limbs), not trimmed: ceil(shift / 28) limbs at most.
-inline Limbs lowBits(const Limb* src, std::size_t n, std::uint64_t shift) {
-    constexpr unsigned width = BinaryRadix::bitsPerLimb;
-    const std::size_t whole = std::size_t(shift / width);
-    const unsigned bits = unsigned(shift % width);
-    Limbs out(src, src + std::min(n, whole));
-    if (bits != 0 && whole < n) out.push_back(src[whole] & ((Limb(1) << bits) - 1));
-    return out;
 }
 
 }  // namespace tw::radix

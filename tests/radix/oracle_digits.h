@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "arith/magnitude.h"
 #include "frame/signed_number.h"
 #include "support/limb_oracle.h"
 
@@ -138,11 +139,10 @@ Limbs mpzToRecordLimbs(mpz_srcptr v) {
 template <class R>
 void setFromMpz(tw::SignedNumber<R>& x, mpz_srcptr v) {
     const Limbs limbs = mpzToRecordLimbs<R>(v);
-    tw::NumberRecord& rec = x.rec();
-    tw::dropTextBuffers(rec);
-    tw::resizeStorage(rec, std::uint32_t(limbs.size()), true);
-    std::copy(limbs.begin(), limbs.end(), rec.digits);
-    tw::normalizeIndices(rec, std::uint32_t(limbs.size()));
+    tw::NumberRecord fresh;
+    tw::arith::prepareResult(fresh, limbs.size());
+    std::copy(limbs.begin(), limbs.end(), fresh.digits);
+    tw::arith::installResult(x.rec(), std::move(fresh), limbs.size());
     x.sign = mpz_sgn(v);
 }
 
