@@ -46,9 +46,21 @@ class Joiner {
 public:
     Joiner(const std::uint32_t* chunks, std::size_t count, std::uint64_t chunk)
         : chunks_(chunks), chunk_(chunk), chunkBits_(std::log2(double(chunk))),
-          powers_(chunk, leafFor(count, kJoinLeaf<R>), true), highs_(kMaxDepth), products_(kMaxDepth) {}
+          powers_(chunk, joinLeaf(count, chunk), true), highs_(kMaxDepth), products_(kMaxDepth) {}
 
     std::size_t bound(std::size_t count) const { return limbsBound<R>(count, chunkBits_); }
+
+    // The leaf for a run of count chunks.  In binary limbs the top split goes
+    // where the high part is as long as the odd power it is multiplied by
+    // (the low part takes log(chunk) / (log(chunk) + log(odd)) of the run):
+    // products of equal lengths are the cheapest for their size.
+    static std::size_t joinLeaf(std::size_t count, std::uint64_t chunk) {
+        if (!R::isBinary || count <= kJoinLeaf<R>) return std::min(count, kJoinLeaf<R>);
+        const double whole = std::log2(double(chunk));
+        const double odd = std::log2(double(chunk >> std::countr_zero(chunk)));
+        const std::size_t low = std::size_t(std::ceil(double(count) * whole / (whole + odd)));
+        return leafFor(std::min(low, count - 1), kJoinLeaf<R>);
+    }
 
     // out[0..bound(count)) := the value of chunks[begin .. begin + count);
     // returns its length without zero limbs at the top.
