@@ -55,7 +55,8 @@ public:
     // (the low part takes log(chunk) / (log(chunk) + log(odd)) of the run):
     // products of equal lengths are the cheapest for their size.
     static std::size_t joinLeaf(std::size_t count, std::uint64_t chunk) {
-        if (!R::isBinary || count <= kJoinLeaf<R>) return std::min(count, kJoinLeaf<R>);
+        if (count <= kJoinLeaf<R>) return std::max<std::size_t>(count, 1);
+        if (!R::isBinary) return leafFor(count, kJoinLeaf<R>);
         const double whole = std::log2(double(chunk));
         const double odd = std::log2(double(chunk >> std::countr_zero(chunk)));
         const std::size_t low = std::size_t(std::ceil(double(count) * whole / (whole + odd)));
