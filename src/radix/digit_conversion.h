@@ -14,13 +14,16 @@
 namespace tw {
 
 // x := the value of digits[0..count) in sourceRadix, least significant first,
-// as a magnitude of radix R.  Zero digits at either end are allowed.  Drops
-// x's text buffers; the sign is the caller's business.
+// as a magnitude of radix R.  Zero digits at either end are allowed, and so
+// are digits not below the radix (they count as digit * radix^i all the same;
+// radix 1 therefore sums the digits).  Drops x's text buffers; the sign is the
+// caller's business.
 template <class R>
 void setFromDigits(NumberRecord& x, std::uint32_t sourceRadix, const std::uint32_t* digits, std::size_t count);
 
 // The digits of the magnitude x (radix R) in targetRadix, least significant
 // first, with no zero digit above the most significant one; empty for zero.
+// Radix 1 has no digits to give: -7 is recorded and the result is empty.
 template <class R>
 std::vector<std::uint32_t> toDigits(const NumberRecord& x, std::uint32_t targetRadix);
 
