@@ -84,11 +84,84 @@ Timing divideDecimal(std::size_t digits, double budget) {
     return t;
 }
 
+// Text output against mpz_get_str in the same base, into a buffer sized once.
+template <class Write>
+Timing timeTextOutput(Write write, mpz_srcptr g, int base, double budget) {
+    std::string text(mpz_sizeinbase(g, base) + 2, '\0');
+    return timeSideBySide(write, [&] { mpz_get_str(text.data(), base, g); }, budget);
+}
+
+Timing decimalText(std::size_t digits, double budget) {
+    Operand a(8, digits);
+    return timeTextOutput([&] { HI_getStrA(a.hi, 0, nullptr); }, a.gmp, 10, budget);
+}
+
+Timing hexText(std::size_t digits, double budget) {
+    Operand a(9, digits);
+    return timeTextOutput([&] { HX_getStrA(a.hx, 0, nullptr); }, a.gmp, 16, budget);
+}
+
+Timing radix36Text(std::size_t digits, double budget) {
+    Operand a(10, digits);
+    return timeTextOutput([&] { HI_getStrRadixA(a.hi, 36, nullptr, 0, 0, nullptr); }, a.gmp, 36, budget);
+}
+
+Timing decimalParse(std::size_t digits, double budget) {
+    Operand a(11, digits);
+    const std::string text = HI_getStrA(a.hi, 0, nullptr);
+    HI_handle r = HI_new();
+    mpz_t g;
+    mpz_init(g);
+    const Timing t = timeSideBySide([&] { HI_set_strA(r, text.c_str()); },
+                                    [&] { mpz_set_str(g, text.c_str(), 10); }, budget);
+    mpz_clear(g);
+    HI_delete(r);
+    return t;
+}
+
+// Conversion between the integer types against GMP's decimal text on the
+// same value: decimal limbs to binary ones beside mpz_set_str, binary limbs
+// to decimal ones beside mpz_get_str.
+template <bool toBinary>
+Timing convertBetweenTypes(std::size_t digits, double budget) {
+    Operand a(toBinary ? 12 : 13, digits);
+    std::string text(mpz_sizeinbase(a.gmp, 10) + 2, '\0');
+    mpz_get_str(text.data(), 10, a.gmp);
+    HI_handle d = HI_new();
+    HX_handle b = HX_new();
+    mpz_t g;
+    mpz_init(g);
+    const Timing t = timeSideBySide(
+        [&] {
+            if constexpr (toBinary)
+                HX_set_hi(b, a.hi);
+            else
+                HI_set_hx(d, a.hx);
+        },
+        [&] {
+            if constexpr (toBinary)
+                mpz_set_str(g, text.c_str(), 10);
+            else
+                mpz_get_str(text.data(), 10, a.gmp);
+        },
+        budget);
+    mpz_clear(g);
+    HI_delete(d);
+    HX_delete(b);
+    return t;
+}
+
 const Case kCases[] = {
     {"HI_mul", 10000000, mulDecimal},
     {"HI_mul square", 10000000, squareDecimal},
     {"HX_mul", 10000000, mulBinary},
     {"HI_divRem 2n/n", 1000000, divideDecimal},
+    {"HI_getStrA", 10000000, decimalText},
+    {"HI_set_strA", 10000000, decimalParse},
+    {"HX_getStrA hex", 10000000, hexText},
+    {"HI_getStrRadixA 36", 1000000, radix36Text},
+    {"HX_set_hi (dec->bin)", 10000000, convertBetweenTypes<true>},
+    {"HI_set_hx (bin->dec)", 10000000, convertBetweenTypes<false>},
 };
 
 }  // namespace
