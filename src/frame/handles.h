@@ -42,7 +42,7 @@ typename Family<Handle>::Number* numberOf(Handle h) {
 
 // Keeps retired handle objects reachable (and their addresses taken) for the
 // life of the process; only the pointer-sized shell stays, the number is freed.
-void retireHandleObject(const void* handleObject);
+void retireHandleObject(const void* handleObject) noexcept;
 
 template <class Handle>
 Handle createNumberHandle() {
