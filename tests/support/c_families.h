@@ -61,6 +61,17 @@ namespace twtest {
         static constexpr auto bitAnd = P##_bitAnd;                     \
         static constexpr auto bitOr = P##_bitOr;                       \
         static constexpr auto bitXor = P##_bitXor;                     \
+        static constexpr auto getStrA = P##_getStrA;                   \
+        static constexpr auto getStrW = P##_getStrW;                   \
+        static constexpr auto getHexStrA = P##_getHexStrA;             \
+        static constexpr auto getHexStrW = P##_getHexStrW;             \
+        static constexpr auto getStrRadixA = P##_getStrRadixA;         \
+        static constexpr auto getStrRadixW = P##_getStrRadixW;         \
+        static constexpr auto set_strA = P##_set_strA;                 \
+        static constexpr auto set_strW = P##_set_strW;                 \
+        static constexpr auto setHexStrA = P##_setHexStrA;             \
+        static constexpr auto setHexStrW = P##_setHexStrW;             \
+        static constexpr auto freeStrBuffer = P##_freeStrBuffer;       \
     }
 TWTEST_FAMILY(DecimalFamily, HI, hi);
 TWTEST_FAMILY(BinaryFamily, HX, hx);

@@ -16,23 +16,8 @@
 
 namespace twtest {
 
-#define TWTEST_TEXT_FAMILY(Name, P, Base)                       \
-    struct Name : Base {                                        \
-        static constexpr auto getStrA = P##_getStrA;            \
-        static constexpr auto getStrW = P##_getStrW;            \
-        static constexpr auto getHexStrA = P##_getHexStrA;      \
-        static constexpr auto getHexStrW = P##_getHexStrW;      \
-        static constexpr auto getStrRadixA = P##_getStrRadixA;  \
-        static constexpr auto getStrRadixW = P##_getStrRadixW;  \
-        static constexpr auto set_strA = P##_set_strA;          \
-        static constexpr auto set_strW = P##_set_strW;          \
-        static constexpr auto setHexStrA = P##_setHexStrA;      \
-        static constexpr auto setHexStrW = P##_setHexStrW;      \
-        static constexpr auto freeStrBuffer = P##_freeStrBuffer; \
-    }
-TWTEST_TEXT_FAMILY(DecimalText, HI, DecimalFamily);
-TWTEST_TEXT_FAMILY(BinaryText, HX, BinaryFamily);
-#undef TWTEST_TEXT_FAMILY
+using DecimalText = DecimalFamily;
+using BinaryText = BinaryFamily;
 
 using BothTextFamilies = ::testing::Types<DecimalText, BinaryText>;
 
