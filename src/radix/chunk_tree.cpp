@@ -79,10 +79,7 @@ public:
         const Limbs& odd = powers_.odd(level);
         if (highLength == 0 || odd.empty()) return lowLength;
         Limb* product = reserve(products_[depth], highLength + odd.size());
-        if (highLength >= odd.size())
-            arith::multiply<R>(product, high, highLength, odd.data(), odd.size());
-        else
-            arith::multiply<R>(product, odd.data(), odd.size(), high, highLength);
+        multiplyFast<R>(product, high, highLength, odd.data(), odd.size());
         std::size_t productLength = highLength + odd.size();
         while (productLength > 0 && product[productLength - 1] == 0) --productLength;
         // out := low + product * 2^shift (binary) or low + product (decimal).
