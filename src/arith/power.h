@@ -4,6 +4,7 @@
 #pragma once
 
 #include <bit>
+#include <cmath>
 #include <cstdint>
 
 #include "arith/signed_mul.h"
@@ -22,6 +23,15 @@ std::uint64_t digitsForSizeGuard(const NumberRecord& x) {
     } else {
         return std::uint64_t(R::decimalDigitsPerLimb) * x.topIndex + decimalDigitsOfLimb(x.digits[x.topIndex]);
     }
+}
+
+// log10 |x| from the top limbs, good to far more digits than the size checks need.
+template <class R>
+double log10Magnitude(const NumberRecord& x) {
+    const std::uint32_t top = x.topIndex;
+    double lead = x.digits[top];
+    if (top > 0) lead += x.digits[top - 1] / double(R::base);
+    return std::log10(lead) + top * std::log10(double(R::base));
 }
 
 // |x| := |x|^e for e >= 3 and a non-zero x.
@@ -77,8 +87,11 @@ void powerInPlace(SignedNumber<R>& x, std::uint32_t e) {
         squareInPlace(x);
         return;
     }
+    // The library's guard, e * (digits - 1), lets every one-digit base through;
+    // beyond it a result whose digit count does not fit 32 bits is refused too
+    // (99^4294967295 would have 8.6e9 digits), which one-digit bases never reach.
     const std::uint64_t digits = digitsForSizeGuard<R>(x.rec());
-    if (std::uint64_t(e) * (digits - 1) > UINT32_MAX) {
+    if (std::uint64_t(e) * (digits - 1) > UINT32_MAX || e * log10Magnitude<R>(x.rec()) >= 4294967295.0) {
         setLastError(kErrTooLarge);
         x.setZero();
         return;

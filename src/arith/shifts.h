@@ -18,8 +18,14 @@ namespace tw::arith {
 // far stricter than needed, and the library keeps it that way.
 inline constexpr std::uint64_t kLog2TenFixed30 = 3566893132u;
 
+// Refuses (-3, zero) a result whose decimal digit count would not fit 32 bits.
 inline void decimalShiftLeft(DecimalNumber& x, std::uint32_t k) {
     if (k == 0 || x.isZero()) return;
+    if (digitsForSizeGuard<DecimalRadix>(x.rec()) + k > UINT32_MAX) {
+        setLastError(kErrTooLarge);
+        x.setZero();
+        return;
+    }
     const std::uint32_t r = k % 9;
     if (r != 0) multiplyMagnitudeByWord<DecimalRadix>(x.rec(), kPowersOfTen[r]);
     insertLowLimbs(x.rec(), k / 9);

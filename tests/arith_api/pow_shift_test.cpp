@@ -81,6 +81,30 @@ TYPED_TEST(PowShift, PowerSizeGuard) {
     EXPECT_EQ(F::getSign(r), 0);
 }
 
+// Results whose digit count cannot be held in 32 bits are refused, while the
+// documented guard still lets every one-digit base through.
+TYPED_TEST(PowShift, PowersTooLargeToCount) {
+    using F = TypeParam;
+    Number<F> r, a(99);
+    EXPECT_EQ(F::pow(r, a, 4294967295u), r.h());  // e * (2 - 1) is not above the limit
+    EXPECT_EQ(TW_getLastError(), TW_ERR_TOO_LARGE);
+    EXPECT_EQ(F::getSign(r), 0);
+    TW_setTerminate(0);
+    F::set_s64(a, 9);
+    F::set_s64(r, 5);
+    TW_setTerminate(1);  // 9^4294967295 is allowed: stop it at once
+    F::pow(r, a, 4294967295u);
+    EXPECT_EQ(TW_getLastError(), TW_ERR_STOPPED);
+}
+
+TEST(DecimalShifts, ResultTooLargeToCount) {
+    Number<DecimalFamily> x(123);
+    EXPECT_EQ(HI_decLShift(x, 4294967293u), x.h());
+    EXPECT_EQ(TW_getLastError(), TW_ERR_TOO_LARGE);
+    EXPECT_EQ(HI_getSign(x), 0);
+    TW_setTerminate(0);
+}
+
 TYPED_TEST(PowShift, BitShiftsAgainstGmp) {
     using F = TypeParam;
     using R = typename F::Radix;
