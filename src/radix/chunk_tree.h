@@ -26,7 +26,8 @@ template <class R>
 std::vector<Limb> joinChunks(const std::uint32_t* chunks, std::size_t count, std::uint64_t chunk);
 
 // out[0..count) := the chunks of x[0..n) (radix R), least significant first,
-// where x < chunk^count.
+// where x < chunk^count.  Decimal x of middling length goes through binary
+// limbs first, whose divisions are cheaper.
 template <class R>
 void splitIntoChunks(std::uint32_t* out, std::size_t count, const Limb* x, std::size_t n, std::uint64_t chunk);
 

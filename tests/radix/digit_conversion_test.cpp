@@ -171,4 +171,31 @@ TYPED_TEST(DigitConversion, RaisedTerminateFlagStopsTheWork) {
     EXPECT_TRUE(x.isZero());
 }
 
+// Decimal records from 128 to 1400 limbs split by way of binary limbs: the
+// lengths on both sides of that band, near-maximal and random values.
+TEST(DecimalSplit, LengthsAroundTheBinaryBand) {
+    gmp_randstate_t state;
+    gmp_randinit_mt(state);
+    gmp_randseed_ui(state, 23);
+    for (std::size_t limbs : {127, 128, 129, 1399, 1400, 1401}) {
+        Mpz top, below, v;
+        mpz_ui_pow_ui(top.v, 10, 9 * limbs);
+        mpz_ui_pow_ui(below.v, 10, 9 * (limbs - 1));
+        for (int kind = 0; kind < 2; ++kind) {
+            // kind 0: top - 1 (every limb maximal); kind 1: a random value of exactly `limbs` limbs.
+            mpz_urandomm(v.v, state, below.v);
+            if (kind == 0) mpz_set_ui(v.v, 0);
+            mpz_sub(v.v, top.v, v.v);
+            mpz_sub_ui(v.v, v.v, 1);
+            tw::SignedNumber<tw::DecimalRadix> x;
+            twtest::setFromMpz(x, v.v);
+            ASSERT_EQ(x.rec().topIndex + 1, limbs);
+            for (std::uint32_t radix : {36u, 7u, 4294967295u, 1000000007u})
+                EXPECT_EQ(tw::toDigits<tw::DecimalRadix>(x.rec(), radix), twtest::mpzToDigits(v.v, radix))
+                    << limbs << " limbs, kind " << kind << ", radix " << radix;
+        }
+    }
+    gmp_randclear(state);
+}
+
 }  // namespace
