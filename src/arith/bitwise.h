@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <vector>
 
-#include "binary/convert_basic.h"
+#include "binary/convert_limbs.h"
 #include "frame/error_state.h"
 #include "frame/radix.h"
 #include "frame/signed_number.h"
@@ -75,7 +75,7 @@ void combineMagnitudeInPlace(NumberRecord& x, const Limb* b, std::size_t bn) {
 }
 
 // x := x op y for numbers of one radix.  A decimal magnitude passes through
-// radix 2^28 (convertLimbsBasic) both ways.  y may be x itself.  Under a
+// radix 2^28 (convertLimbs) both ways.  y may be x itself.  Under a
 // raised terminate flag, operands that need combining give zero.
 template <BitOp Op, class R>
 void bitwiseInPlace(SignedNumber<R>& x, const SignedNumber<R>& y) {
@@ -102,12 +102,12 @@ void bitwiseInPlace(SignedNumber<R>& x, const SignedNumber<R>& y) {
     if constexpr (R::isBinary) {
         combineMagnitudeInPlace<Op>(rx, ry.digits, ry.usedLimbs());
     } else {
-        std::vector<Limb> bx = convertLimbsBasic<R, BinaryRadix>(rx.digits, rx.usedLimbs());
-        const std::vector<Limb> by = convertLimbsBasic<R, BinaryRadix>(ry.digits, ry.usedLimbs());
+        std::vector<Limb> bx = convertLimbs<R, BinaryRadix>(rx.digits, rx.usedLimbs());
+        const std::vector<Limb> by = convertLimbs<R, BinaryRadix>(ry.digits, ry.usedLimbs());
         const std::size_t n = combinedLength<Op>(bx.size(), by.size());
         bx.resize(std::max(bx.size(), n));
         combineSpans<Op, BinaryRadix>(bx.data(), bx.data(), bx.size(), by.data(), by.size());
-        const std::vector<Limb> back = convertLimbsBasic<BinaryRadix, R>(bx.data(), n);
+        const std::vector<Limb> back = convertLimbs<BinaryRadix, R>(bx.data(), n);
         resizeStorage(rx, std::uint32_t(back.size()), true);
         if (rx.allocated() >= back.size()) {
             std::copy(back.begin(), back.end(), rx.digits);

@@ -8,6 +8,7 @@
 #include <cstdint>
 
 #include "arith/signed_mul.h"
+#include "binary/digit_counts.h"
 #include "frame/signed_number.h"
 
 namespace tw::arith {
@@ -18,10 +19,10 @@ namespace tw::arith {
 template <class R>
 std::uint64_t digitsForSizeGuard(const NumberRecord& x) {
     if constexpr (R::isBinary) {
-        const std::uint64_t bits = std::uint64_t(R::bitsPerLimb) * x.topIndex + bitLength32(x.digits[x.topIndex]);
+        const std::uint64_t bits = nativeDigitCount<R>(x.digits, x.topIndex);
         return bits * 30103 / 100000 + 1;  // log10(2) = 0.30103 (rounded up in the last digit)
     } else {
-        return std::uint64_t(R::decimalDigitsPerLimb) * x.topIndex + decimalDigitsOfLimb(x.digits[x.topIndex]);
+        return nativeDigitCount<R>(x.digits, x.topIndex);
     }
 }
 
@@ -84,7 +85,7 @@ void powerInPlace(SignedNumber<R>& x, std::uint32_t e) {
     }
     if (e == 1) return;
     if (e == 2) {
-        squareInPlace(x);
+        multiplyInto(x, x, x);
         return;
     }
     // The library's guard, e * (digits - 1), lets every one-digit base through;

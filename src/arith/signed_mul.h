@@ -39,32 +39,27 @@ void replaceWithProduct(NumberRecord& target, const NumberRecord& a, const Numbe
     installResult(target, std::move(out), limbs);
 }
 
-// x *= y in place, x and y distinct (equal operands are squared instead).
+// target := a * b, a square when a and b are one object.  target may be a or
+// b: the product is built in a fresh record, so a distinct result needs no
+// copy of an operand first.  A zero operand gives zero and a factor of +-1
+// the other operand with its sign adjusted; a raised terminate flag makes
+// the product zero.
 template <class R>
-void multiplyInPlace(SignedNumber<R>& x, const SignedNumber<R>& y) {
-    if (&x == &y) return;
-    if (y.isZero()) {
-        x.setZero();
+void multiplyInto(SignedNumber<R>& target, const SignedNumber<R>& a, const SignedNumber<R>& b) {
+    const std::int32_t sign = a.sign * b.sign;
+    if (sign == 0) {
+        target.setZero();
         return;
     }
-    if (x.isZero()) return;
-    const std::int32_t sign = x.sign * y.sign;
-    if (!(y.rec().topIndex == 0 && y.limb(0) == 1)) replaceWithProduct<R>(x.rec(), x.rec(), y.rec());
-    x.sign = sign;
-    x.normalizeSign();
-}
-
-// x := x^2 in place; a raised terminate flag makes x zero.
-template <class R>
-void squareInPlace(SignedNumber<R>& x) {
-    if (terminateRequested()) {
-        x.setZero();
-        return;
-    }
-    if (x.isZero()) return;
-    replaceWithProduct<R>(x.rec(), x.rec(), x.rec());
-    x.sign = 1;
-    x.normalizeSign();
+    const auto isUnit = [](const SignedNumber<R>& v) { return v.rec().topIndex == 0 && v.limb(0) == 1; };
+    if (&a != &b && isUnit(b))
+        target = a;
+    else if (&a != &b && isUnit(a))
+        target = b;
+    else
+        replaceWithProduct<R>(target.rec(), a.rec(), b.rec());
+    target.sign = sign;
+    target.normalizeSign();
 }
 
 }  // namespace tw::arith

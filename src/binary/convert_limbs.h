@@ -1,6 +1,6 @@
 // Conversion of a magnitude between the two limb radices as a limb vector.
 // Short numbers go by repeated division by the target radix, which needs no
-// temporaries; from kConvertBasicMax limbs on, the divide-and-conquer
+// temporaries; from kConvertByDivisionMax limbs on, the divide-and-conquer
 // conversion of setFromDigits takes over.
 #pragma once
 
@@ -14,15 +14,15 @@
 
 namespace tw {
 
-inline constexpr std::size_t kConvertBasicMax = 40;
+inline constexpr std::size_t kConvertByDivisionMax = 40;
 
 // The limbs of the value a[0..n) (radix From) in radix To, least significant
 // first, without zero limbs at the top (empty for zero, and when the terminate
 // flag stops a long conversion).
 template <class From, class To>
-std::vector<Limb> convertLimbsBasic(const Limb* a, std::size_t n) {
+std::vector<Limb> convertLimbs(const Limb* a, std::size_t n) {
     while (n > 0 && a[n - 1] == 0) --n;
-    if (n >= kConvertBasicMax) {
+    if (n >= kConvertByDivisionMax) {
         NumberRecord converted;
         setFromDigits<To>(converted, From::base, a, n);
         if (converted.isZero()) return {};
