@@ -1,13 +1,17 @@
 #include "radix/chunk_powers.h"
 
+#include <algorithm>
 #include <bit>
 
+#include "arith/div_newton.h"
+#include "arith/divide.h"
 #include "frame/error_state.h"
 
 namespace tw::radix {
 
 template <class R>
-ChunkPowers<R>::ChunkPowers(std::uint64_t chunk, std::size_t leaf, bool separateTwos) : leaf_(leaf) {
+ChunkPowers<R>::ChunkPowers(std::uint64_t chunk, std::size_t leaf, bool separateTwos)
+    : chunk_(chunk), leaf_(leaf), separateTwos_(separateTwos) {
     if (R::isBinary && separateTwos) twoExponent_ = unsigned(std::countr_zero(chunk));
     // odd^leaf by left-to-right binary powering.
     const std::uint64_t odd = chunk >> twoExponent_;
@@ -37,17 +41,42 @@ const Limbs& ChunkPowers<R>::odd(unsigned i) {
 }
 
 template <class R>
-const arith::DivisorReciprocal<R>& ChunkPowers<R>::divisor(unsigned i) {
-    if (divisors_.size() <= i) divisors_.resize(i + 1);
-    if (!divisors_[i]) {
-        const Limbs& d = odd(i);
-        // An empty power (terminate flag) stands in as 1: the results are
-        // discarded anyway.
-        static const Limb one = 1;
-        divisors_[i] = std::make_unique<arith::DivisorReciprocal<R>>(d.empty() ? &one : d.data(),
-                                                                     d.empty() ? 1 : d.size());
+void ChunkPowers<R>::divide(unsigned i, Limb* q, Limb* r, const Limb* a, std::size_t an) {
+    const Limbs& d = odd(i);
+    const std::size_t dn = d.size();
+    std::size_t low = 0;
+    while (d[low] == 0) ++low;
+    const std::size_t m = dn - low;          // the divisor above its zero limbs
+    const std::size_t n = an - dn + 1;       // quotient limbs at most
+    if (m < 2 || n < 2) {                    // no reciprocal needed
+        arith::divide<R>(q, r, a, an, d.data(), dn);
+        return;
     }
-    return *divisors_[i];
+    if (reciprocals_.size() <= i) reciprocals_.resize(i + 1);
+    Reciprocal& rec = reciprocals_[i];
+    if (rec.precision < n) {
+        const std::size_t p = 2 * n >= m ? std::max(n, arith::blockPrecision(m)) : n;
+        rec.v.assign(arith::reciprocalLimbs(p), 0);
+        rec.precision = 0;
+        arith::reciprocal<R>(rec.v.data(), d.data() + low, m, p);
+        if (terminateRequested()) return;
+        rec.precision = p;
+    }
+    arith::divideMagnitude<R>(q, r, a, an, d.data(), dn, rec.v.data(), rec.precision);
+}
+
+template <class R>
+std::size_t ChunkPowers<R>::limbsHeld() const {
+    std::size_t sum = 0;
+    for (const Limbs& p : odd_) sum += p.size();
+    for (const Reciprocal& rec : reciprocals_) sum += rec.v.size();
+    return sum;
+}
+
+template <class R>
+bool ChunkPowers<R>::whole() const {
+    // A reciprocal cut short keeps precision 0 and is built again when asked for.
+    return std::none_of(odd_.begin(), odd_.end(), [](const Limbs& p) { return p.empty(); });
 }
 
 template class ChunkPowers<DecimalRadix>;

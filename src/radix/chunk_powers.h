@@ -13,7 +13,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <vector>
 
 #include "arith/reciprocal.h"
@@ -29,6 +28,8 @@ public:
     ChunkPowers(std::uint64_t chunk, std::size_t leaf, bool separateTwos);
 
     std::size_t leaf() const { return leaf_; }
+    std::uint64_t chunk() const { return chunk_; }
+    bool separateTwos() const { return separateTwos_; }
     // The smallest i with leaf * 2^(i+1) >= count, for count > leaf: the level
     // at which a run of `count` chunks splits into leaf * 2^i low chunks and the rest.
     static unsigned levelFor(std::size_t count, std::size_t leaf);
@@ -36,14 +37,30 @@ public:
     // odd_i, trimmed.  Empty when the terminate flag cut the squaring short.
     const Limbs& odd(unsigned i);
     std::uint64_t shift(unsigned i) const { return twoExponent_ * (std::uint64_t(leaf_) << i); }
-    // A divisor by odd_i with its reciprocal, for the divisions of level i.
-    const arith::DivisorReciprocal<R>& divisor(unsigned i);
+    // q[0..an-dn+1) := a div odd_i, r[0..dn) := a mod odd_i (dn = odd(i).size(),
+    // an >= dn, outputs overlap nothing) through a reciprocal of the power kept
+    // for every division of the level.  The reciprocal is built for the
+    // quotient at hand: the power's full length for the balanced divisions of
+    // the tree, shorter for a short quotient (a longer one asked for later
+    // replaces it; a shorter one is served by truncation).
+    void divide(unsigned i, Limb* q, Limb* r, const Limb* a, std::size_t an);
+
+    // Limbs held by the powers and the reciprocals.
+    std::size_t limbsHeld() const;
+    // False when the terminate flag left a power or a reciprocal unfinished.
+    bool whole() const;
 
 private:
+    std::uint64_t chunk_;
     std::size_t leaf_;
+    bool separateTwos_;
     unsigned twoExponent_ = 0;
     std::vector<Limbs> odd_;
-    std::vector<std::unique_ptr<arith::DivisorReciprocal<R>>> divisors_;
+    struct Reciprocal {
+        Limbs v;                    // of odd_i above its zero bottom limbs
+        std::size_t precision = 0;  // 0: none yet
+    };
+    std::vector<Reciprocal> reciprocals_;
 };
 
 }  // namespace tw::radix

@@ -6,6 +6,7 @@
 
 #include "arith/add_sub.h"
 #include "frame/error_state.h"
+#include "radix/chunk_power_cache.h"
 #include "radix/chunk_powers.h"
 #include "radix/chunk_radix.h"
 #include "radix/limb_spans.h"
@@ -46,7 +47,11 @@ class Joiner {
 public:
     Joiner(const std::uint32_t* chunks, std::size_t count, std::uint64_t chunk)
         : chunks_(chunks), chunk_(chunk), chunkBits_(std::log2(double(chunk))),
-          powers_(chunk, joinLeaf(count, chunk), true), highs_(kMaxDepth), products_(kMaxDepth) {}
+          powers_(acquireChunkPowers<R>(chunk, joinLeaf(count, chunk), true)), highs_(kMaxDepth),
+          products_(kMaxDepth) {}
+    ~Joiner() { releaseChunkPowers<R>(std::move(powers_)); }
+    Joiner(const Joiner&) = delete;
+    Joiner& operator=(const Joiner&) = delete;
 
     std::size_t bound(std::size_t count) const { return limbsBound<R>(count, chunkBits_); }
 
@@ -66,7 +71,7 @@ public:
     // out[0..bound(count)) := the value of chunks[begin .. begin + count);
     // returns its length without zero limbs at the top.
     std::size_t join(Limb* out, std::size_t begin, std::size_t count, unsigned depth) {
-        const std::size_t leaf = powers_.leaf();
+        const std::size_t leaf = powers_->leaf();
         if (count <= leaf) return horner(out, chunks_ + begin, count);
         if (terminateRequested()) return 0;
         const unsigned level = ChunkPowers<R>::levelFor(count, leaf);
@@ -76,7 +81,7 @@ public:
         std::fill(out + lowLength, out + total, 0);
         Limb* high = reserve(highs_[depth], bound(count - half));
         const std::size_t highLength = join(high, begin + half, count - half, depth + 1);
-        const Limbs& odd = powers_.odd(level);
+        const Limbs& odd = powers_->odd(level);
         if (highLength == 0 || odd.empty()) return lowLength;
         Limb* product = reserve(products_[depth], highLength + odd.size());
         multiplyFast<R>(product, high, highLength, odd.data(), odd.size());
@@ -84,7 +89,7 @@ public:
         while (productLength > 0 && product[productLength - 1] == 0) --productLength;
         // out := low + product * 2^shift (binary) or low + product (decimal).
         if constexpr (R::isBinary) {
-            const std::uint64_t shift = powers_.shift(level);
+            const std::uint64_t shift = powers_->shift(level);
             addShiftedBits(out, total, std::size_t(shift / BinaryRadix::bitsPerLimb), product, productLength,
                            unsigned(shift % BinaryRadix::bitsPerLimb));
         } else {
@@ -163,14 +168,21 @@ private:
     const std::uint32_t* chunks_;
     std::uint64_t chunk_;
     double chunkBits_;
-    ChunkPowers<R> powers_;
+    std::shared_ptr<ChunkPowers<R>> powers_;
     std::vector<Limbs> highs_, products_;  // one buffer of each per depth
 };
 
 template <class R>
 class Splitter {
 public:
-    Splitter(std::size_t count, std::uint64_t chunk) : divisor_(chunk), powers_(chunk, leafFor(count, kSplitLeaf), false) {}
+    // The leaf is fixed, not fitted to the count, so that conversions of any
+    // length share the cached powers; a run a little longer than leaf * 2^i
+    // then splits off a short high part, whose division is cheap.
+    explicit Splitter(std::uint64_t chunk)
+        : divisor_(chunk), powers_(acquireChunkPowers<R>(chunk, kSplitLeaf, false)) {}
+    ~Splitter() { releaseChunkPowers<R>(std::move(powers_)); }
+    Splitter(const Splitter&) = delete;
+    Splitter& operator=(const Splitter&) = delete;
 
     // out[0..count) := the chunks of x < chunk^count.
     void split(std::uint32_t* out, std::size_t count, Limbs x) {
@@ -179,7 +191,7 @@ public:
             std::fill(out, out + count, 0);
             return;
         }
-        const std::size_t leaf = powers_.leaf();
+        const std::size_t leaf = powers_->leaf();
         if (count <= leaf) {
             divideOut(out, count, x);
             return;
@@ -197,7 +209,7 @@ private:
     // q, r := a div P_level, a mod P_level (the splitter keeps no power of two
     // apart, so odd(level) is the whole power).
     void divide(unsigned level, Limbs a, Limbs& q, Limbs& r) {
-        const Limbs& d = powers_.odd(level);
+        const Limbs& d = powers_->odd(level);
         if (a.size() < d.size() || d.empty()) {
             q.clear();
             r = std::move(a);
@@ -205,7 +217,7 @@ private:
         }
         q.assign(a.size() - d.size() + 1, 0);
         r.assign(d.size(), 0);
-        powers_.divisor(level).divide(q.data(), r.data(), a.data(), a.size());
+        powers_->divide(level, q.data(), r.data(), a.data(), a.size());
         trimTop(q);
         trimTop(r);
     }
@@ -239,7 +251,7 @@ private:
     static constexpr unsigned kLanes = 4;
 
     WordDivisor divisor_;
-    ChunkPowers<R> powers_;
+    std::shared_ptr<ChunkPowers<R>> powers_;
 };
 
 }  // namespace
@@ -270,7 +282,7 @@ void splitIntoChunks(std::uint32_t* out, std::size_t count, const Limb* x, std::
             return;
         }
     }
-    Splitter<R> splitter(count, chunk);
+    Splitter<R> splitter(chunk);
     splitter.split(out, count, Limbs(x, x + n));
 }
 
