@@ -10,6 +10,7 @@
 #include "radix/chunk_powers.h"
 #include "radix/chunk_radix.h"
 #include "radix/limb_spans.h"
+#include "radix/word_leaf.h"
 
 namespace tw::radix {
 
@@ -179,7 +180,7 @@ public:
     // length share the cached powers; a run a little longer than leaf * 2^i
     // then splits off a short high part, whose division is cheap.
     explicit Splitter(std::uint64_t chunk)
-        : divisor_(chunk), powers_(acquireChunkPowers<R>(chunk, kSplitLeaf, false)) {}
+        : divisor_(chunk), wordDivider_(chunk), powers_(acquireChunkPowers<R>(chunk, kSplitLeaf, false)) {}
     ~Splitter() { releaseChunkPowers<R>(std::move(powers_)); }
     Splitter(const Splitter&) = delete;
     Splitter& operator=(const Splitter&) = delete;
@@ -228,6 +229,12 @@ private:
     // and their chains of dependent multiplications overlap instead of
     // following one another.
     void divideOut(std::uint32_t* out, std::size_t count, Limbs& x) {
+        if constexpr (R::isBinary) {
+            words_.resize(x.size() * BinaryRadix::bitsPerLimb / 64 + 2);
+            const std::size_t n = binaryLimbsToWords(words_.data(), x.data(), x.size());
+            wordDivider_.split(out, count, words_.data(), n);
+            return;
+        }
         std::size_t n = x.size();
         std::size_t j = 0;
         for (; j + kLanes <= count && n > 0; j += kLanes) {
@@ -251,6 +258,8 @@ private:
     static constexpr unsigned kLanes = 4;
 
     WordDivisor divisor_;
+    WordChunkDivider wordDivider_;
+    std::vector<std::uint64_t> words_;
     std::shared_ptr<ChunkPowers<R>> powers_;
 };
 
