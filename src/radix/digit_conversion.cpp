@@ -90,13 +90,16 @@ std::vector<std::uint32_t> unpackChunks(const std::vector<std::uint32_t>& chunks
         digits = chunks;
     } else {
         digits.resize(chunks.size() * c.digitsPerChunk);
-        const std::uint32_t r = std::uint32_t(c.radix);
+        // A multiply-high per digit instead of a hardware division.
+        const radix::WordDivisor byRadix(c.radix);
         std::uint32_t* out = digits.data();
-        for (std::uint32_t v : chunks)
+        for (std::uint32_t chunk : chunks) {
+            std::uint64_t v = chunk, digit;
             for (unsigned i = 0; i < c.digitsPerChunk; ++i) {
-                *out++ = v % r;
-                v /= r;
+                v = byRadix.divide(v, digit);
+                *out++ = std::uint32_t(digit);
             }
+        }
     }
     while (!digits.empty() && digits.back() == 0) digits.pop_back();
     return digits;
