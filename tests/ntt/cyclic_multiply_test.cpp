@@ -74,13 +74,17 @@ std::vector<std::size_t> lengthsUpTo(std::size_t maxLength) {
     return out;
 }
 
-TYPED_TEST(CyclicProduct, LengthIsTheFirstTransformLengthNotBelowTheMinimum) {
+TYPED_TEST(CyclicProduct, LengthIsATransformLengthNotBelowTheMinimum) {
     EXPECT_EQ(tw::arith::cyclicLength(1), 4u);
     EXPECT_EQ(tw::arith::cyclicLength(4), 4u);
-    EXPECT_EQ(tw::arith::cyclicLength(5), 6u);
+    EXPECT_EQ(tw::arith::cyclicLength(5), 8u);
     EXPECT_EQ(tw::arith::cyclicLength(7), 8u);
+    EXPECT_EQ(tw::arith::cyclicLength(130), 256u);
+    EXPECT_EQ(tw::arith::cyclicLength(257), 512u);
     EXPECT_EQ(tw::arith::cyclicLength(513), 768u);
+    EXPECT_EQ(tw::arith::cyclicLength(768), 768u);
     EXPECT_EQ(tw::arith::cyclicLength(769), 1024u);
+    EXPECT_EQ(tw::arith::cyclicLength(1025), 1536u);
     EXPECT_TRUE(tw::arith::cyclicFits(tw::arith::kTransformMaxLength));
     EXPECT_FALSE(tw::arith::cyclicFits(tw::arith::kTransformMaxLength + 1));
     EXPECT_EQ(tw::arith::cyclicLength(tw::arith::kTransformMaxLength), tw::arith::kTransformMaxLength);

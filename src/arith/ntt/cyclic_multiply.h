@@ -25,8 +25,9 @@ namespace tw::arith {
 bool cyclicFits(std::size_t minimum);
 
 // The modulus length N a cyclic product uses for at least `minimum` limbs: the
-// first transform length (2^k or 3 * 2^k) not below max(minimum, 4).
-// Requires cyclicFits(minimum).
+// fastest transform length (2^k or 3 * 2^k) not below max(minimum, 4), which
+// is the first one from 768 on and the first power of two below.  Requires
+// cyclicFits(minimum).
 std::size_t cyclicLength(std::size_t minimum);
 
 // out[0..N) := a[0..an) mod (radix^N - 1), reduced (below radix^N - 1).
