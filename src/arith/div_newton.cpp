@@ -5,18 +5,41 @@
 #include <vector>
 
 #include "arith/add_sub.h"
-#include "arith/multiply.h"
+#include "arith/ntt/cyclic_multiply.h"
 #include "frame/error_state.h"
 
 namespace tw::arith {
 
 namespace {
 
+// A - Q * D in [-D, 2D) from A and Q * D modulo radix^N - 1, N = x.size() >=
+// dn + 2: x[0..N) := A - Q * D modulo radix^N, and the correction it calls
+// for (-1 when negative, +1 when at least D).  A non-negative difference is
+// below 2 radix^dn, so its limbs from dn + 1 up are zero; a negative one
+// leaves radix^N - 1 + (A - Q * D) > radix^N - 1 - radix^dn, whose top limb
+// (dn + 1 or above) is not.
+template <class R>
+int checkModulo(Limb* x, std::size_t length, Limb* qd, const Limb* a, std::size_t an, const Limb* d,
+                std::size_t dn) {
+    assert(length >= dn + 2);
+    reduceCyclic<R>(x, length, a, an);
+    // Both residues are reduced (below radix^N - 1): on a borrow, adding
+    // radix^N - 1 back is taking one from the wrapped difference, and the
+    // result is reduced too.
+    if (subSameLength<R>(x, x, qd, length)) subBorrow<R>(x, x, length, 1);
+    if (x[length - 1] != 0) {
+        addCarry<R>(x, x, length, 1);  // now A - Q * D + radix^N
+        return -1;
+    }
+    if (std::any_of(x + dn, x + length, [](Limb v) { return v != 0; }) || compareSameLength(x, d, dn) >= 0) return 1;
+    return 0;
+}
+
 // divideByReciprocal with its temporaries in `scratch`, which the block loop
 // keeps from one block to the next.
 template <class R>
 int divideBlock(std::vector<Limb>& scratch, Limb* q, std::size_t qn, Limb* r, const Limb* a, std::size_t an,
-                const Limb* d, std::size_t dn, const Limb* v, std::size_t p) {
+                const Limb* d, std::size_t dn, const Limb* v, std::size_t p, ProductRule rule) {
     assert(dn >= 2 && d[dn - 1] != 0 && an >= dn);
     const std::size_t n = an - dn + 1;
     assert(n <= p && qn <= n);
@@ -29,40 +52,51 @@ int divideBlock(std::vector<Limb>& scratch, Limb* q, std::size_t qn, Limb* r, co
     const std::size_t ahl = significantLength(ahi, n + 1);
 
     // One buffer: the estimate's product, the estimate Q (n + 1 limbs: it may
-    // be one above a quotient of n limbs), Q * D, and A - Q * D.
+    // be one above a quotient of n limbs), Q * D, and A - Q * D.  Taken
+    // modulo radix^N - 1, the last two have N limbs each.
     const std::size_t el = ahl + vl;
-    const std::size_t dl = std::max(an, n + 1 + dn);
-    scratch.resize(el + (n + 1) + (n + 1 + dn) + dl);
+    const std::size_t length = cyclicIsCheaper(n + 1, dn) && cyclicFits(dn + 2) ? cyclicLength(dn + 2) : 0;
+    const std::size_t ql0 = length ? length : n + 1 + dn;
+    const std::size_t dl = length ? length : std::max(an, n + 1 + dn);
+    scratch.resize(el + (n + 1) + ql0 + dl);
     Limb* estimateProduct = scratch.data();
     Limb* qe = estimateProduct + el;
     Limb* qd = qe + (n + 1);
-    Limb* diff = qd + (n + 1 + dn);
+    Limb* diff = qd + ql0;
 
-    multiply<R>(estimateProduct, ahi, ahl, vn, vl);
+    multiplyBy<R>(rule, estimateProduct, ahi, ahl, vn, vl);
     if (terminateRequested()) return 0;
     std::fill(qe, qe + n + 1, 0);
     if (el > n + 2) std::copy(estimateProduct + n + 2, estimateProduct + std::min(el, 2 * n + 3), qe);
-
     const std::size_t ql = significantLength(qe, n + 1);
-    multiply<R>(qd, qe, ql, d, dn);
-    if (terminateRequested()) return 0;
-    std::copy(a, a + an, diff);
-    std::fill(diff + an, diff + dl, 0);
-    const Limb borrow = subSpans<R>(diff, diff, dl, qd, ql + dn);
 
     int correction = 0;
-    if (borrow) {
-        // A < Q * D: the estimate is one too big; the carry out of the
-        // add-back cancels the borrow.
-        addSpans<R>(diff, diff, dl, d, dn);
-        subBorrow<R>(qe, qe, n + 1, 1);
-        correction = -1;
-    } else if (std::any_of(diff + dn, diff + dl, [](Limb x) { return x != 0; }) ||
-               compareSameLength(diff, d, dn) >= 0) {
-        subSpans<R>(diff, diff, dl, d, dn);
-        addCarry<R>(qe, qe, n + 1, 1);
-        correction = 1;
+    if (length) {
+        cyclicMultiply<R>(qd, length, qe, ql, d, dn);
+        if (terminateRequested()) return 0;
+        correction = checkModulo<R>(diff, length, qd, a, an, d, dn);
+        // The carry out of the add-back is the radix^N of the negative difference.
+        if (correction < 0) addSpans<R>(diff, diff, length, d, dn);
+        if (correction > 0) subSpans<R>(diff, diff, length, d, dn);
+    } else {
+        multiplyBy<R>(rule, qd, qe, ql, d, dn);
+        if (terminateRequested()) return 0;
+        std::copy(a, a + an, diff);
+        std::fill(diff + an, diff + dl, 0);
+        const Limb borrow = subSpans<R>(diff, diff, dl, qd, ql + dn);
+        if (borrow) {
+            // A < Q * D: the estimate is one too big; the carry out of the
+            // add-back cancels the borrow.
+            addSpans<R>(diff, diff, dl, d, dn);
+            correction = -1;
+        } else if (std::any_of(diff + dn, diff + dl, [](Limb x) { return x != 0; }) ||
+                   compareSameLength(diff, d, dn) >= 0) {
+            subSpans<R>(diff, diff, dl, d, dn);
+            correction = 1;
+        }
     }
+    if (correction < 0) subBorrow<R>(qe, qe, n + 1, 1);
+    if (correction > 0) addCarry<R>(qe, qe, n + 1, 1);
     assert(std::all_of(qe + qn, qe + n + 1, [](Limb x) { return x == 0; }));
     assert(std::all_of(diff + dn, diff + dl, [](Limb x) { return x == 0; }));
     assert(compareSameLength(diff, d, dn) < 0);
@@ -75,14 +109,14 @@ int divideBlock(std::vector<Limb>& scratch, Limb* q, std::size_t qn, Limb* r, co
 
 template <class R>
 int divideByReciprocal(Limb* q, std::size_t qn, Limb* r, const Limb* a, std::size_t an,
-                       const Limb* d, std::size_t dn, const Limb* v, std::size_t p) {
+                       const Limb* d, std::size_t dn, const Limb* v, std::size_t p, ProductRule rule) {
     std::vector<Limb> scratch;
-    return divideBlock<R>(scratch, q, qn, r, a, an, d, dn, v, p);
+    return divideBlock<R>(scratch, q, qn, r, a, an, d, dn, v, p, rule);
 }
 
 template <class R>
 void divideInBlocks(Limb* q, Limb* r, const Limb* a, std::size_t an,
-                    const Limb* d, std::size_t dn, const Limb* v, std::size_t p) {
+                    const Limb* d, std::size_t dn, const Limb* v, std::size_t p, ProductRule rule) {
     assert(p >= 2 && an >= dn);
     const std::size_t k = p - 1;  // quotient limbs a block
     const std::size_t n = an - dn + 1;
@@ -92,25 +126,25 @@ void divideInBlocks(Limb* q, Limb* r, const Limb* a, std::size_t an,
     std::vector<Limb> buffer(dn + k + dn), scratch;
     Limb* window = buffer.data();  // next k limbs of A below the running remainder
     Limb* rem = window + dn + k;
-    divideBlock<R>(scratch, q + pos, first, rem, a + pos, an - pos, d, dn, v, p);
+    divideBlock<R>(scratch, q + pos, first, rem, a + pos, an - pos, d, dn, v, p, rule);
     while (pos > 0) {
         if (terminateRequested()) return;
         pos -= k;
         std::copy(a + pos, a + pos + k, window);
         std::copy(rem, rem + dn, window + k);
         // The remainder is below D, so this block's quotient has k limbs.
-        divideBlock<R>(scratch, q + pos, k, rem, window, dn + k, d, dn, v, p);
+        divideBlock<R>(scratch, q + pos, k, rem, window, dn + k, d, dn, v, p, rule);
     }
     if (r) std::copy(rem, rem + dn, r);
 }
 
 template int divideByReciprocal<DecimalRadix>(Limb*, std::size_t, Limb*, const Limb*, std::size_t, const Limb*,
-                                              std::size_t, const Limb*, std::size_t);
+                                              std::size_t, const Limb*, std::size_t, ProductRule);
 template int divideByReciprocal<BinaryRadix>(Limb*, std::size_t, Limb*, const Limb*, std::size_t, const Limb*,
-                                             std::size_t, const Limb*, std::size_t);
+                                             std::size_t, const Limb*, std::size_t, ProductRule);
 template void divideInBlocks<DecimalRadix>(Limb*, Limb*, const Limb*, std::size_t, const Limb*, std::size_t,
-                                           const Limb*, std::size_t);
+                                           const Limb*, std::size_t, ProductRule);
 template void divideInBlocks<BinaryRadix>(Limb*, Limb*, const Limb*, std::size_t, const Limb*, std::size_t,
-                                          const Limb*, std::size_t);
+                                          const Limb*, std::size_t, ProductRule);
 
 }  // namespace tw::arith

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 
+#include "arith/fast_product.h"
 #include "frame/radix.h"
 
 namespace tw::arith {
@@ -41,7 +42,12 @@ constexpr std::size_t blockPrecision(std::size_t dn) {
 // all there is.
 //
 // Cost: a product of (n+1) x (n+2) limbs (n = an - dn + 1) for the estimate
-// and one of (n+1) x dn for the check, then linear work.
+// and one of (n+1) x dn for the check, then linear work.  The check needs
+// A - Q * D only, which lies in [-D, 2D) since Q is within one of the
+// quotient; where cyclicIsCheaper says so, Q * D and A are taken modulo
+// radix^N - 1 (N >= dn + 2, cyclic_multiply.h), a range that holds [-D, 2D)
+// with room to tell the sign from the top limb.  `rule` chooses the
+// algorithm of the full products (fast_product.h).
 //
 // With V the reciprocal truncated to precision n, |V - Y| < 3 for
 // Y = radix^(dn+n) / D, and A = Ahi * radix^(dn-2) + Alo, the estimate is
@@ -52,7 +58,8 @@ constexpr std::size_t blockPrecision(std::size_t dn) {
 // |x - y| < 1 and floor(y) is floor(x) - 1, floor(x) or floor(x) + 1.
 template <class R>
 int divideByReciprocal(Limb* q, std::size_t qn, Limb* r, const Limb* a, std::size_t an,
-                       const Limb* d, std::size_t dn, const Limb* v, std::size_t p);
+                       const Limb* d, std::size_t dn, const Limb* v, std::size_t p,
+                       ProductRule rule = ProductRule::Ladder);
 
 // Dividends much longer than the divisor: q[0..an-dn+1) := A div D,
 // r[0..dn) := A mod D (r may be null), taking the quotient p - 1 limbs at a
@@ -62,13 +69,15 @@ int divideByReciprocal(Limb* q, std::size_t qn, Limb* r, const Limb* a, std::siz
 // (an - dn + 1) / (p - 1) blocks.  Tests the terminate flag between blocks.
 template <class R>
 void divideInBlocks(Limb* q, Limb* r, const Limb* a, std::size_t an,
-                    const Limb* d, std::size_t dn, const Limb* v, std::size_t p);
+                    const Limb* d, std::size_t dn, const Limb* v, std::size_t p,
+                    ProductRule rule = ProductRule::Ladder);
 
 // The contract of divide() (divide.h), plus an optional reciprocal: when v is
 // not null it is the reciprocal, of precision p, of b above its zero bottom
-// limbs; otherwise one is computed for this division if it needs one.
+// limbs; otherwise one is computed for this division if it needs one.  The
+// products follow `rule`.
 template <class R>
 void divideMagnitude(Limb* q, Limb* r, const Limb* a, std::size_t an, const Limb* b, std::size_t bn,
-                     const Limb* v, std::size_t p);
+                     const Limb* v, std::size_t p, ProductRule rule = ProductRule::Ladder);
 
 }  // namespace tw::arith

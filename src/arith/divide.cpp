@@ -14,7 +14,7 @@ namespace tw::arith {
 
 template <class R>
 void divideMagnitude(Limb* q, Limb* r, const Limb* a, std::size_t an, const Limb* b, std::size_t bn,
-                     const Limb* v, std::size_t p) {
+                     const Limb* v, std::size_t p, ProductRule rule) {
     const std::size_t qn = an - bn + 1;
 
     // Zero limbs at the bottom of B are not divided: the limbs of A beside
@@ -71,14 +71,14 @@ void divideMagnitude(Limb* q, Limb* r, const Limb* a, std::size_t an, const Limb
         if (n <= bn + 1 && n >= 2 * kMinBlockQuotientLimbs && n <= kHalfReciprocalMaxQuotientLimbs)
             p = (n + 1) / 2 + 1;
         own.resize(reciprocalLimbs(p));
-        reciprocal<R>(own.data(), b, bn, p);
+        reciprocal<R>(own.data(), b, bn, p, rule);
         if (terminateRequested()) return;
         v = own.data();
     }
     if (n <= p)
-        divideByReciprocal<R>(q, n, r, a, al, b, bn, v, p);
+        divideByReciprocal<R>(q, n, r, a, al, b, bn, v, p, rule);
     else
-        divideInBlocks<R>(q, r, a, al, b, bn, v, p);
+        divideInBlocks<R>(q, r, a, al, b, bn, v, p, rule);
 }
 
 template <class R>
@@ -88,9 +88,9 @@ void divide(Limb* q, Limb* r, const Limb* a, std::size_t an, const Limb* b, std:
 }
 
 template void divideMagnitude<DecimalRadix>(Limb*, Limb*, const Limb*, std::size_t, const Limb*, std::size_t,
-                                            const Limb*, std::size_t);
+                                            const Limb*, std::size_t, ProductRule);
 template void divideMagnitude<BinaryRadix>(Limb*, Limb*, const Limb*, std::size_t, const Limb*, std::size_t,
-                                           const Limb*, std::size_t);
+                                           const Limb*, std::size_t, ProductRule);
 template void divide<DecimalRadix>(Limb*, Limb*, const Limb*, std::size_t, const Limb*, std::size_t);
 template void divide<BinaryRadix>(Limb*, Limb*, const Limb*, std::size_t, const Limb*, std::size_t);
 

@@ -8,7 +8,7 @@
 #include "arith/div_newton.h"
 #include "arith/div_one_quotient_limb.h"
 #include "arith/divide_by_limb.h"
-#include "arith/multiply.h"
+#include "arith/ntt/cyclic_multiply.h"
 #include "frame/error_state.h"
 
 namespace tw::arith {
@@ -57,25 +57,52 @@ void complement(Limb* x, std::size_t len) {
 //    on the side that rounds the correction toward zero.
 // Sum: -1.02 < V_k - Y_k < 2.01, inside the bound 3 that the next step
 // assumes.  T has at most t + 1 limbs since |T| < 4 radix^t.
+//
+// That bound also lets Dt * V_h be taken modulo radix^N - 1 for N >= t + 2:
+// T modulo radix^N - 1 then determines T, since a T >= 0 leaves a residue
+// below 4 radix^t (limbs from t + 1 up zero), a T < 0 one above
+// radix^N - 1 - 4 radix^t (top limb, t + 1 or above, not zero).
 template <class R>
-void newtonStep(Limb* v, std::size_t h, std::size_t k, const Limb* d, std::size_t dn,
+void newtonStep(Limb* v, std::size_t h, std::size_t k, const Limb* d, std::size_t dn, ProductRule rule,
                 std::vector<Limb>& product, std::vector<Limb>& correction) {
     const std::size_t t = std::min(dn, k + 2);
     const std::size_t vl = significantLength(v, h + 2);
-    product.resize(t + vl);
-    Limb* p = product.data();
-    multiply<R>(p, d + dn - t, t, v, vl);
-    if (terminateRequested()) return;
-
-    // |T| into p, and its sign.
     const std::size_t whole = t + h;  // position of radix^(t+h)
-    const std::size_t pl = t + vl;
-    const bool negative = std::any_of(p + whole, p + pl, [](Limb x) { return x != 0; });
-    if (negative)
-        subBorrow<R>(p + whole, p + whole, pl - whole, 1);
-    else
-        complement<R>(p, whole);
-    const std::size_t tl = significantLength(p, negative ? pl : whole);
+
+    // |T| into p[0..tl), and its sign.
+    Limb* p;
+    bool negative;
+    std::size_t tl;
+    if (cyclicIsCheaper(std::min(t, vl), t) && cyclicFits(t + 2)) {
+        const std::size_t length = cyclicLength(t + 2);
+        product.resize(length);
+        p = product.data();
+        cyclicMultiply<R>(p, length, d + dn - t, t, v, vl);
+        if (terminateRequested()) return;
+        // p := Dt V_h - radix^(t+h) = -T modulo radix^N - 1, reduced: on a
+        // borrow, adding radix^N - 1 back takes one from the wrapped value.
+        const std::size_t at = whole % length;  // radix^N = 1
+        if (subBorrow<R>(p + at, p + at, length - at, 1)) subBorrow<R>(p, p, length, 1);
+        // A small residue is -T >= 0; otherwise T > 0 is radix^N - 1 less the
+        // residue, every limb's complement to radix - 1.
+        negative = p[length - 1] == 0;
+        if (!negative)
+            for (std::size_t i = 0; i < length; ++i) p[i] = R::base - 1 - p[i];
+        tl = significantLength(p, length);
+        assert(tl <= t + 1);
+    } else {
+        product.resize(t + vl);
+        p = product.data();
+        multiplyBy<R>(rule, p, d + dn - t, t, v, vl);
+        if (terminateRequested()) return;
+        const std::size_t pl = t + vl;
+        negative = std::any_of(p + whole, p + pl, [](Limb x) { return x != 0; });
+        if (negative)
+            subBorrow<R>(p + whole, p + whole, pl - whole, 1);
+        else
+            complement<R>(p, whole);
+        tl = significantLength(p, negative ? pl : whole);
+    }
 
     // C = V_h * (|T| >> s) >> e limbs.
     const std::size_t s = whole >= k + 2 ? whole - k - 2 : 0;
@@ -84,7 +111,7 @@ void newtonStep(Limb* v, std::size_t h, std::size_t k, const Limb* d, std::size_
     if (tl > s) {
         const std::size_t thl = tl - s;
         correction.resize(vl + thl);
-        multiply<R>(correction.data(), v, vl, p + s, thl);
+        multiplyBy<R>(rule, correction.data(), v, vl, p + s, thl);
         if (terminateRequested()) return;
         if (vl + thl > e) cl = significantLength(correction.data() + e, vl + thl - e);
     }
@@ -107,7 +134,7 @@ void newtonStep(Limb* v, std::size_t h, std::size_t k, const Limb* d, std::size_
 }  // namespace
 
 template <class R>
-void reciprocal(Limb* v, const Limb* d, std::size_t dn, std::size_t n) {
+void reciprocal(Limb* v, const Limb* d, std::size_t dn, std::size_t n, ProductRule rule) {
     assert(dn >= 1 && d[dn - 1] != 0 && n >= 1);
     // Precisions from the target down: k needs at least (k + 1) / 2 beforehand.
     std::size_t targets[64];
@@ -127,7 +154,7 @@ void reciprocal(Limb* v, const Limb* d, std::size_t dn, std::size_t n) {
     while (steps > 0) {
         if (terminateRequested()) return;
         const std::size_t k = targets[--steps];
-        newtonStep<R>(v, h, k, d, dn, product, correction);
+        newtonStep<R>(v, h, k, d, dn, rule, product, correction);
         h = k;
     }
 }
@@ -141,7 +168,7 @@ DivisorReciprocal<R>::DivisorReciprocal(const Limb* d, std::size_t dn) : divisor
     if (m >= 2) {
         precision_ = blockPrecision(m);
         reciprocal_.resize(reciprocalLimbs(precision_));
-        reciprocal<R>(reciprocal_.data(), d + low, m, precision_);
+        reciprocal<R>(reciprocal_.data(), d + low, m, precision_, ProductRule::Fastest);
         valid_ = !terminateRequested();
     }
 }
@@ -150,11 +177,11 @@ template <class R>
 void DivisorReciprocal<R>::divide(Limb* q, Limb* r, const Limb* a, std::size_t an) const {
     if (!valid_ || terminateRequested()) return;
     divideMagnitude<R>(q, r, a, an, divisor_.data(), divisor_.size(),
-                       precision_ ? reciprocal_.data() : nullptr, precision_);
+                       precision_ ? reciprocal_.data() : nullptr, precision_, ProductRule::Fastest);
 }
 
-template void reciprocal<DecimalRadix>(Limb*, const Limb*, std::size_t, std::size_t);
-template void reciprocal<BinaryRadix>(Limb*, const Limb*, std::size_t, std::size_t);
+template void reciprocal<DecimalRadix>(Limb*, const Limb*, std::size_t, std::size_t, ProductRule);
+template void reciprocal<BinaryRadix>(Limb*, const Limb*, std::size_t, std::size_t, ProductRule);
 template class DivisorReciprocal<DecimalRadix>;
 template class DivisorReciprocal<BinaryRadix>;
 

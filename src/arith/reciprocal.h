@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <vector>
 
+#include "arith/fast_product.h"
 #include "frame/radix.h"
 
 namespace tw::arith {
@@ -24,17 +25,22 @@ constexpr std::size_t reciprocalLimbs(std::size_t n) { return n + 2; }
 // Algorithm: exact floor(radix^(t+h) / D_t) of the top t = min(dn, h+2) limbs
 // for a starting precision h of a few limbs, then Newton steps from precision h
 // to k <= 2h - 1, each costing a product of (k+2) x (h+2) limbs and one of
-// (h+2) x (h+2) limbs; about two products of n limbs in all.  Returns early,
-// v unspecified, when the terminate flag is raised (tested between steps).
-// Temporaries may throw std::bad_alloc.
+// (h+2) x (h+2) limbs; about two products of n limbs in all.  The first
+// product of a step is needed modulo radix^N - 1 only (N >= t + 2 for the t
+// limbs of D it reads), and is taken so where cyclicIsCheaper says so; `rule`
+// chooses the algorithm of the full products (fast_product.h).  Returns
+// early, v unspecified, when the terminate flag is raised (tested between
+// steps).  Temporaries may throw std::bad_alloc.
 template <class R>
-void reciprocal(Limb* v, const Limb* d, std::size_t dn, std::size_t n);
+void reciprocal(Limb* v, const Limb* d, std::size_t dn, std::size_t n, ProductRule rule = ProductRule::Ladder);
 
 // A divisor with its reciprocal computed once: every divide() reuses it.
 // The divisor is copied; zero limbs at its bottom are set aside as divide()
 // does.  The reciprocal has precision blockPrecision(dn') (dn' the divisor's
 // length above those zero limbs), enough for a dividend of about 2 dn' limbs
 // in one step; longer dividends go in blocks of that many quotient limbs less one.
+// Its products, the reciprocal's included, follow ProductRule::Fastest: the
+// conversions that use it gain from the transform in the Toom-3 band.
 template <class R>
 class DivisorReciprocal {
 public:
