@@ -35,10 +35,19 @@ TextView<Char> writeRadixText(NumberRecord& owner, const std::vector<std::uint32
     *end = Char(0);
     Char* at = end;
     const Char sep = separator<Char>(flags);
-    for (std::size_t d = 0; d < count; ++d) {
-        if (stopped(d + 1)) return stoppedText<Char>(owner);
-        if (group && d != 0 && d % group == 0) *--at = sep;
-        *--at = Char(alphabet[digits[d]]);
+    if (group == 0) {
+        // Ungrouped: blocks of digits between polls, nothing else per digit.
+        for (std::size_t d = 0; d < count;) {
+            if (terminateRequested()) return stoppedText<Char>(owner);
+            const std::size_t blockEnd = std::min(count, d + kPollInterval);
+            for (; d < blockEnd; ++d) *--at = Char(alphabet[digits[d]]);
+        }
+    } else {
+        for (std::size_t d = 0; d < count; ++d) {
+            if (stopped(d + 1)) return stoppedText<Char>(owner);
+            if (d != 0 && d % group == 0) *--at = sep;
+            *--at = Char(alphabet[digits[d]]);
+        }
     }
     if (radix == 16) {
         if (group) *--at = Char(' ');
