@@ -4,7 +4,6 @@
 #include <bit>
 
 #include "arith/div_newton.h"
-#include "arith/divide.h"
 #include "frame/error_state.h"
 
 namespace tw::radix {
@@ -49,7 +48,7 @@ void ChunkPowers<R>::divide(unsigned i, Limb* q, Limb* r, const Limb* a, std::si
     const std::size_t m = dn - low;          // the divisor above its zero limbs
     const std::size_t n = an - dn + 1;       // quotient limbs at most
     if (m < 2 || n < 2) {                    // no reciprocal needed
-        arith::divide<R>(q, r, a, an, d.data(), dn);
+        arith::divideMagnitude<R>(q, r, a, an, d.data(), dn, nullptr, 0, arith::ProductRule::Fastest);
         return;
     }
     if (reciprocals_.size() <= i) reciprocals_.resize(i + 1);
@@ -58,11 +57,11 @@ void ChunkPowers<R>::divide(unsigned i, Limb* q, Limb* r, const Limb* a, std::si
         const std::size_t p = 2 * n >= m ? std::max(n, arith::blockPrecision(m)) : n;
         rec.v.assign(arith::reciprocalLimbs(p), 0);
         rec.precision = 0;
-        arith::reciprocal<R>(rec.v.data(), d.data() + low, m, p);
+        arith::reciprocal<R>(rec.v.data(), d.data() + low, m, p, arith::ProductRule::Fastest);
         if (terminateRequested()) return;
         rec.precision = p;
     }
-    arith::divideMagnitude<R>(q, r, a, an, d.data(), dn, rec.v.data(), rec.precision);
+    arith::divideMagnitude<R>(q, r, a, an, d.data(), dn, rec.v.data(), rec.precision, arith::ProductRule::Fastest);
 }
 
 template <class R>

@@ -8,9 +8,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "arith/fast_product.h"
 #include "arith/multiply.h"
-#include "arith/ntt/transform_multiply.h"
-#include "arith/thresholds.h"
 #include "frame/radix.h"
 
 namespace tw::radix {
@@ -21,32 +20,7 @@ inline void trimTop(Limbs& x) {
     while (!x.empty() && x.back() == 0) x.pop_back();
 }
 
-// Whether a product whose shorter operand has `shorter` limbs and whose
-// result has `total` limbs is cheaper by the transform than by the ladder.
-// The ladder takes Toom-3 for shorter operands between the Karatsuba rung and
-// the transform; measured in both radices, the transform beats it all through
-// that band except for results a little longer than 512 limbs, where the
-// transform's length steps up.  The conversion trees' products fall in that
-// band at about 10^4 digits.
-inline bool transformIsCheaper(std::size_t shorter, std::size_t total) {
-    constexpr std::size_t kStep = 512;
-    return shorter > arith::kMulKaratsubaMax && shorter < arith::kMulTransformMin &&
-           (total <= kStep || total >= kStep + kStep / 8);
-}
-
-// out[0 .. an+bn) := a[0..an) * b[0..bn) for operands in either order, by the
-// transform where transformIsCheaper says so.  out overlaps neither operand.
-template <class R>
-void multiplyFast(Limb* out, const Limb* a, std::size_t an, const Limb* b, std::size_t bn) {
-    if (an < bn) {
-        std::swap(a, b);
-        std::swap(an, bn);
-    }
-    if (transformIsCheaper(bn, an + bn))
-        arith::transformMultiply<R>(out, a, an, b, bn);
-    else
-        arith::multiply<R>(out, a, an, b, bn);
-}
+using arith::multiplyFast;
 
 // a * b, trimmed; empty when either is empty (zero).  a and b may be the same
 // vector (a square).
