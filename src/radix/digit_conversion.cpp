@@ -92,10 +92,22 @@ std::vector<std::uint32_t> unpackChunks(const std::vector<std::uint32_t>& chunks
         digits.resize(chunks.size() * c.digitsPerChunk);
         // A multiply-high per digit instead of a hardware division.
         const radix::WordDivisor byRadix(c.radix);
+        // Four chunks at a time: their chains of dependent divisions overlap.
+        const unsigned k = c.digitsPerChunk;
         std::uint32_t* out = digits.data();
-        for (std::uint32_t chunk : chunks) {
-            std::uint64_t v = chunk, digit;
-            for (unsigned i = 0; i < c.digitsPerChunk; ++i) {
+        std::size_t j = 0;
+        for (; j + 4 <= chunks.size(); j += 4, out += 4 * k) {
+            std::uint64_t v[4] = {chunks[j], chunks[j + 1], chunks[j + 2], chunks[j + 3]};
+            for (unsigned i = 0; i < k; ++i)
+                for (unsigned lane = 0; lane < 4; ++lane) {
+                    std::uint64_t digit;
+                    v[lane] = byRadix.divide(v[lane], digit);
+                    out[lane * k + i] = std::uint32_t(digit);
+                }
+        }
+        for (; j < chunks.size(); ++j) {
+            std::uint64_t v = chunks[j], digit;
+            for (unsigned i = 0; i < k; ++i) {
                 v = byRadix.divide(v, digit);
                 *out++ = std::uint32_t(digit);
             }
