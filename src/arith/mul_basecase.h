@@ -87,22 +87,66 @@ void mulBasecaseColumns(Limb* out, const Limb* L, std::size_t l, const Limb* S, 
 // The longest shorter operand (and square) the vector kernels take.
 inline constexpr std::size_t kLaneKernelMax = 128;
 
-// Whether this processor runs the vector kernels (x86-64 with AVX2).
+// Whether this processor runs the 256-bit kernels (x86-64 with AVX2).
 bool laneKernelsAvailable();
+// Whether this processor runs the 512-bit kernels (x86-64 with AVX-512F).
+bool wideLaneKernelsAvailable();
 
-// mulBasecaseColumns summed four columns at a time in vector lanes, with the
+// mulBasecaseColumns summed four columns at a time in 256-bit lanes, with the
 // same settling rule per lane: same contract, s <= kLaneKernelMax, and only
 // where laneKernelsAvailable() (elsewhere it is mulBasecaseColumns).
 template <class R>
 void mulBasecaseLanes(Limb* out, const Limb* L, std::size_t l, const Limb* S, std::size_t s);
 
-// The basecase rung: the vector kernel where the processor has it.
+// The same sixteen columns at a time in two 512-bit accumulators: same
+// contract, s <= kLaneKernelMax, only where wideLaneKernelsAvailable().
+template <class R>
+void mulBasecaseWideLanes(Limb* out, const Limb* L, std::size_t l, const Limb* S, std::size_t s);
+
+// Which basecase kernels the product and square use.
+enum class BasecasePath { Auto, Columns, Lanes, WideLanes };
+
+// True when this processor runs the path (Auto and Columns always).
+bool basecasePathSupported(BasecasePath path);
+
+// Test seam: pins every later basecase product and square to `path` (Auto
+// restores the choice by processor features).  A path the processor does not
+// run is ignored.  Not meant to be changed while another thread multiplies.
+void forceBasecasePathForTesting(BasecasePath path);
+
+// The forced path, or Auto.
+BasecasePath forcedBasecasePath();
+
+// Where the 512-bit kernels are used when no path is forced: from this many
+// limbs of the shorter operand (or, second, of the square's), radix 2^28
+// only.  Below it the wider blocks waste more of their padding and ragged
+// rows than they gain, and for radix
+// 10^9 the compare after every addition settles one lane in about 70
+// additions, so eight lanes a compare mispredict too often; there the 256-bit
+// kernels are measured faster.
+inline constexpr std::size_t kWideLanesMin = 24;
+inline constexpr std::size_t kWideLanesSqrMin = 64;
+
+// The path for a basecase of shorter operand s (wideMin: kWideLanesMin for
+// a product, kWideLanesSqrMin for a square): the forced one, else the fastest
+// this processor runs for the radix and the length.
+template <class R>
+BasecasePath basecasePathFor(std::size_t s, std::size_t wideMin = kWideLanesMin) {
+    if (s > kLaneKernelMax) return BasecasePath::Columns;
+    const BasecasePath forced = forcedBasecasePath();
+    if (forced != BasecasePath::Auto) return forced;
+    if (R::isBinary && s >= wideMin && wideLaneKernelsAvailable()) return BasecasePath::WideLanes;
+    return laneKernelsAvailable() ? BasecasePath::Lanes : BasecasePath::Columns;
+}
+
+// The basecase rung: the vector kernel the processor has.
 template <class R>
 void mulBasecase(Limb* out, const Limb* L, std::size_t l, const Limb* S, std::size_t s) {
-    if (s <= kLaneKernelMax && laneKernelsAvailable())
-        mulBasecaseLanes<R>(out, L, l, S, s);
-    else
-        mulBasecaseColumns<R>(out, L, l, S, s);
+    switch (basecasePathFor<R>(s)) {
+        case BasecasePath::WideLanes: mulBasecaseWideLanes<R>(out, L, l, S, s); return;
+        case BasecasePath::Lanes: mulBasecaseLanes<R>(out, L, l, S, s); return;
+        default: mulBasecaseColumns<R>(out, L, l, S, s); return;
+    }
 }
 
 }  // namespace tw::arith

@@ -7,6 +7,7 @@
 #include "arith/mul_basecase.h"
 #include "arith/sqr_basecase.h"
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 
@@ -230,6 +231,26 @@ constexpr auto sqrLanes = &sqrTriangleColumns<R>;
 }  // namespace
 
 #endif
+
+namespace {
+
+std::atomic<BasecasePath> forcedPath{BasecasePath::Auto};
+
+}  // namespace
+
+bool basecasePathSupported(BasecasePath path) {
+    switch (path) {
+        case BasecasePath::WideLanes: return wideLaneKernelsAvailable();
+        case BasecasePath::Lanes: return laneKernelsAvailable();
+        default: return true;
+    }
+}
+
+void forceBasecasePathForTesting(BasecasePath path) {
+    if (basecasePathSupported(path)) forcedPath.store(path, std::memory_order_relaxed);
+}
+
+BasecasePath forcedBasecasePath() { return forcedPath.load(std::memory_order_relaxed); }
 
 // The vector code stays inside functions compiled for AVX2; these entry
 // points are plain functions, called only after laneKernelsAvailable().

@@ -28,10 +28,15 @@ void sqrTriangleColumns(Limb* out, const Limb* a, std::size_t n) {
     }
 }
 
-// sqrTriangleColumns four columns at a time in vector lanes: same contract,
+// sqrTriangleColumns four columns at a time in 256-bit lanes: same contract,
 // n <= kLaneKernelMax, only where laneKernelsAvailable().
 template <class R>
 void sqrTriangleLanes(Limb* out, const Limb* a, std::size_t n);
+
+// The same sixteen columns at a time in 512-bit lanes: same contract,
+// n <= kLaneKernelMax, only where wideLaneKernelsAvailable().
+template <class R>
+void sqrTriangleWideLanes(Limb* out, const Limb* a, std::size_t n);
 
 // out[0..2n) := 2 * out + sum of a[i]^2 * B^(2i): turns the triangle into the
 // square.  Linear.
@@ -53,7 +58,10 @@ void addDoubledDiagonal(Limb* out, const Limb* a, std::size_t n) {
 // out[0 .. 2n) := a[0..n)^2, n >= 1, out not overlapping a.
 template <class R>
 void sqrBasecase(Limb* out, const Limb* a, std::size_t n) {
-    if (n <= kLaneKernelMax && laneKernelsAvailable())
+    const BasecasePath path = basecasePathFor<R>(n, kWideLanesSqrMin);
+    if (path == BasecasePath::WideLanes)
+        sqrTriangleWideLanes<R>(out, a, n);
+    else if (path == BasecasePath::Lanes)
         sqrTriangleLanes<R>(out, a, n);
     else
         sqrTriangleColumns<R>(out, a, n);

@@ -19,8 +19,9 @@ template <class R>
 class Basecase : public ::testing::Test {};
 TYPED_TEST_SUITE(Basecase, Radices);
 
-// Both forms of each basecase kernel: the portable column sums and the
-// vector lanes (where this processor has them), plus the dispatching rung.
+// Every form of each basecase kernel: the portable column sums and the
+// 256- and 512-bit lanes (where this processor has them), plus the
+// dispatching rung.
 template <class R>
 using ProductKernel = void (*)(Limb*, const Limb*, std::size_t, const Limb*, std::size_t);
 template <class R>
@@ -31,6 +32,7 @@ std::vector<std::pair<const char*, ProductKernel<R>>> productKernels() {
     std::vector<std::pair<const char*, ProductKernel<R>>> k = {{"columns", tw::arith::mulBasecaseColumns<R>},
                                                                {"rung", tw::arith::mulBasecase<R>}};
     if (tw::arith::laneKernelsAvailable()) k.push_back({"lanes", tw::arith::mulBasecaseLanes<R>});
+    if (tw::arith::wideLaneKernelsAvailable()) k.push_back({"wide lanes", tw::arith::mulBasecaseWideLanes<R>});
     return k;
 }
 
@@ -44,6 +46,11 @@ std::vector<std::pair<const char*, TriangleKernel<R>>> squareKernels() {
     if (tw::arith::laneKernelsAvailable())
         k.push_back({"lanes", [](Limb* out, const Limb* a, std::size_t n) {
                          tw::arith::sqrTriangleLanes<R>(out, a, n);
+                         tw::arith::addDoubledDiagonal<R>(out, a, n);
+                     }});
+    if (tw::arith::wideLaneKernelsAvailable())
+        k.push_back({"wide lanes", [](Limb* out, const Limb* a, std::size_t n) {
+                         tw::arith::sqrTriangleWideLanes<R>(out, a, n);
                          tw::arith::addDoubledDiagonal<R>(out, a, n);
                      }});
     return k;
