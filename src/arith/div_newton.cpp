@@ -55,7 +55,8 @@ int divideBlock(std::vector<Limb>& scratch, Limb* q, std::size_t qn, Limb* r, co
     // be one above a quotient of n limbs), Q * D, and A - Q * D.  Taken
     // modulo radix^N - 1, the last two have N limbs each.
     const std::size_t el = ahl + vl;
-    const std::size_t length = cyclicIsCheaper(n + 1, dn) && cyclicFits(dn + 2) ? cyclicLength(dn + 2) : 0;
+    std::size_t length = cyclicFits(dn + 2) ? cyclicLength(dn + 2) : 0;
+    if (length && !cyclicIsCheaper<R>(n + 1, dn, length)) length = 0;
     const std::size_t ql0 = length ? length : n + 1 + dn;
     const std::size_t dl = length ? length : std::max(an, n + 1 + dn);
     scratch.resize(el + (n + 1) + ql0 + dl);

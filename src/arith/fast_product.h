@@ -57,16 +57,24 @@ void multiplyBy(ProductRule rule, Limb* out, const Limb* a, std::size_t an, cons
         multiply<R>(out, a, an, b, bn);
 }
 
-// Whether a product needed only modulo radix^N - 1, N the cyclic length of
-// `longer` + 2 limbs (cyclic_multiply.h), is cheaper by cyclicMultiply than
-// in full, for operands of `shorter` and `longer` limbs.  Measured in both
-// radices against either rule (the full product by the transform is about
-// twice the cyclic one wherever both are transforms): the cyclic product wins
-// from about 160 limbs once the shorter operand reaches 128, and from 1000
-// limbs already when the shorter has 48, below which the basecase is cheaper.
-inline bool cyclicIsCheaper(std::size_t shorter, std::size_t longer) {
+// Whether a product of operands of `shorter` and `longer` limbs, needed only
+// modulo radix^N - 1 for N = `length` (cyclic_multiply.h), is cheaper by
+// cyclicMultiply than in full.  Measured: the cyclic product costs about
+// 15 ns a limb of N in either radix; the ladder's Karatsuba and Toom-3 rungs
+// about k * longer * sqrt(shorter), so the cyclic one wins when
+// shorter * longer^2 >= c N^2, with c = 46 in decimal limbs and 54 in binary
+// ones (whose ladder is faster); it loses where N has just stepped up to twice
+// the operands.  A shorter operand in the basecase's band keeps the ladder at
+// every length measured (62 x 1000 limbs: 0.8 and 0.4 times the cyclic time).
+// Against the transform (from 512 limbs, or in the Toom-3 band under
+// ProductRule::Fastest) the cyclic product of N no longer than the full
+// product's length always wins, which the rule also grants.
+template <class R>
+bool cyclicIsCheaper(std::size_t shorter, std::size_t longer, std::size_t length) {
     if (shorter > longer) std::swap(shorter, longer);
-    return (longer >= 160 && shorter >= 128) || (longer >= 1000 && shorter >= 48);
+    if (shorter <= kMulBasecaseMax || longer < 140) return false;
+    constexpr unsigned c = R::isBinary ? 54 : 46;
+    return u128(shorter) * longer * longer >= u128(c) * length * length;
 }
 
 }  // namespace tw::arith

@@ -73,8 +73,8 @@ void newtonStep(Limb* v, std::size_t h, std::size_t k, const Limb* d, std::size_
     Limb* p;
     bool negative;
     std::size_t tl;
-    if (cyclicIsCheaper(std::min(t, vl), t) && cyclicFits(t + 2)) {
-        const std::size_t length = cyclicLength(t + 2);
+    const std::size_t length = cyclicFits(t + 2) ? cyclicLength(t + 2) : 0;
+    if (length && cyclicIsCheaper<R>(t, vl, length)) {
         product.resize(length);
         p = product.data();
         cyclicMultiply<R>(p, length, d + dn - t, t, v, vl);

@@ -76,13 +76,42 @@ std::vector<Limbs> divisorsOfLength(LimbGenerator& gen, std::size_t dn) {
     return {gen.limbs<R>(dn), gen.limbs<R>(dn), power, oneThenMax, maxThenZero, LimbGenerator::maxLimbs<R>(dn)};
 }
 
-// (divisor limbs, quotient limbs).  160 x 127 and 1000 x 47 are the first
-// shapes whose check is cyclic (159 x 127 and 1000 x 46 the last that are
-// not); 254, 766 and 1534 limbs take moduli of 256, 768 and 1536 limbs, two
-// above the divisor.
+// (divisor limbs, quotient limbs).  Pairs on both sides of the rule that
+// picks the cyclic check, in decimal and in binary limbs (see
+// CheckShapesSitOnBothSidesOfTheRule); 254, 766 and 1534 limbs take moduli of
+// 256, 768 and 1536 limbs, two above the divisor.
 constexpr std::pair<std::size_t, std::size_t> kCheckShapes[] = {
-    {159, 127}, {160, 126}, {160, 127}, {200, 200}, {254, 253}, {254, 254}, {300, 150}, {511, 400},
-    {766, 765}, {999, 47},  {1000, 46}, {1000, 47}, {1000, 900}, {1534, 1200}, {2046, 1000}, {1200, 1201}};
+    {200, 74},  {200, 75},  {200, 87},  {200, 88},   {256, 182},  {256, 183},   {256, 214},  {256, 215},
+    {1000, 63}, {1000, 64}, {254, 253}, {254, 254},  {300, 150},  {511, 400},   {766, 765},  {1000, 900},
+    {1534, 1200}, {2046, 1000}, {1200, 1201}};
+
+// The check of a block with n quotient limbs (the estimate has n + 1) by a
+// divisor of dn limbs is cyclic exactly when this holds.
+template <class R>
+bool checkIsCyclic(std::size_t dn, std::size_t n) {
+    return tw::arith::cyclicIsCheaper<R>(n + 1, dn, tw::arith::cyclicLength(dn + 2));
+}
+
+TYPED_TEST(ResidueCheckTest, CheckShapesSitOnBothSidesOfTheRule) {
+    using R = TypeParam;
+    // The first quotient length at 200 limbs (modulus 256) and at 256 limbs,
+    // where the modulus steps up to 512.
+    const std::size_t first200 = R::isBinary ? 88 : 75, first256 = R::isBinary ? 215 : 183;
+    EXPECT_FALSE(checkIsCyclic<R>(200, first200 - 1));
+    EXPECT_TRUE(checkIsCyclic<R>(200, first200));
+    EXPECT_FALSE(checkIsCyclic<R>(256, first256 - 1));
+    EXPECT_TRUE(checkIsCyclic<R>(256, first256));
+    // The basecase's band keeps the ladder however long the divisor.
+    EXPECT_FALSE(checkIsCyclic<R>(1000, 63));
+    EXPECT_TRUE(checkIsCyclic<R>(1000, 64));
+    // Below 140 limbs the model overrates the ladder's cost: 126 limbs would
+    // pass with a modulus of 128, and lose.
+    EXPECT_FALSE(checkIsCyclic<R>(126, 125));
+    for (const std::size_t dn : {254, 766, 1534}) {
+        EXPECT_TRUE(checkIsCyclic<R>(dn, dn - 1));
+        EXPECT_EQ(tw::arith::cyclicLength(dn + 2), dn + 2);
+    }
+}
 
 TYPED_TEST(ResidueCheckTest, SingleCorrectionEitherWayAtEveryShape) {
     using R = TypeParam;
