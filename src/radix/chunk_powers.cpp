@@ -4,6 +4,7 @@
 #include <bit>
 
 #include "arith/div_newton.h"
+#include "arith/reciprocal.h"
 #include "frame/error_state.h"
 
 namespace tw::radix {

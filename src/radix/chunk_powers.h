@@ -15,7 +15,6 @@
 #include <cstdint>
 #include <vector>
 
-#include "arith/reciprocal.h"
 #include "radix/limb_spans.h"
 
 namespace tw::radix {

@@ -5,6 +5,8 @@
 #include <gmp.h>
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "support/limb_oracle.h"
 
 namespace twtest {
@@ -47,12 +49,24 @@ template <class R>
     return ::testing::AssertionSuccess();
 }
 
-// Limbs of v, padded with zero limbs to at least n.
+// Limbs of v >= 0, padded with zero limbs to at least n; through GMP's text,
+// so that it stays linear for long values.
 template <class R>
 Limbs limbsOf(mpz_srcptr v, std::size_t n = 1) {
-    Limbs x = mpzToLimbs<R>(v);
-    if (x.size() < n) x.resize(n, 0);
-    return x;
+    const int base = R::isBinary ? 16 : 10;
+    const std::size_t digitsPerLimb = R::isBinary ? 7 : 9;
+    std::string text(mpz_sizeinbase(v, base) + 2, '\0');
+    mpz_get_str(text.data(), base, v);
+    text.resize(std::char_traits<char>::length(text.c_str()));
+    Limbs out;
+    for (std::size_t end = text.size(); end > 0;) {
+        const std::size_t start = end > digitsPerLimb ? end - digitsPerLimb : 0;
+        out.push_back(Limb(std::stoul(text.substr(start, end - start), nullptr, base)));
+        end = start;
+    }
+    while (out.size() > 1 && out.back() == 0) out.pop_back();
+    if (out.size() < n) out.resize(n, 0);
+    return out;
 }
 
 // The limbs of q * b + delta (delta >= -q * b).
@@ -62,6 +76,18 @@ Limbs multiplePlus(const Limbs& q, const Limbs& b, mpz_srcptr delta) {
     mpz_mul(v, toMpz<R>(q), toMpz<R>(b));
     mpz_add(v, v, delta);
     return limbsOf<R>(v);
+}
+
+// The offset from a multiple of b that case i of a correction test takes:
+// -1 and 0 and +1 around the multiple, and b - 1 (the largest remainder).
+template <class R>
+void setCorrectionDelta(mpz_t delta, std::size_t i, const Limbs& b) {
+    switch (i % 4) {
+        case 0: mpz_set_si(delta, -1); break;
+        case 1: mpz_set_si(delta, 0); break;
+        case 2: mpz_set_si(delta, 1); break;
+        default: mpz_sub_ui(delta, toMpz<R>(b), 1); break;
+    }
 }
 
 }  // namespace twtest

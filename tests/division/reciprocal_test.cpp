@@ -86,12 +86,7 @@ TYPED_TEST(ReciprocalTest, EstimateIsWithinOneAndCorrectsEitherWay) {
         if (i % 2) b.back() = R::base - 1 - Limb(gen.below(R::base / 4));  // large top limbs
         if (i % 3) quotient.back() = R::base - 1 - Limb(gen.below(R::base / 4));
         Mpz delta;
-        switch (i % 4) {
-            case 0: mpz_set_si(delta, -1); break;
-            case 1: mpz_set_si(delta, 0); break;
-            case 2: mpz_set_si(delta, 1); break;
-            default: mpz_sub_ui(delta, toMpz<R>(b), 1); break;
-        }
+        setCorrectionDelta<R>(delta, i, b);
         const Limbs a = multiplePlus<R>(quotient, b, delta);
         if (a.size() < dn) continue;
         const std::size_t n = a.size() - dn + 1;

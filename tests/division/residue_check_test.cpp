@@ -24,35 +24,6 @@ TYPED_TEST_SUITE(ResidueCheckTest, Radices);
 
 constexpr ProductRule kRules[] = {ProductRule::Ladder, ProductRule::Fastest};
 
-// Limbs of v >= 0, padded with zero limbs to at least n; through GMP's text,
-// so that it stays linear for long values.
-template <class R>
-Limbs limbsFromText(mpz_srcptr v, std::size_t n) {
-    const int base = R::isBinary ? 16 : 10;
-    const std::size_t digitsPerLimb = R::isBinary ? 7 : 9;
-    std::string text(mpz_sizeinbase(v, base) + 2, '\0');
-    mpz_get_str(text.data(), base, v);
-    text.resize(std::char_traits<char>::length(text.c_str()));
-    Limbs out;
-    for (std::size_t end = text.size(); end > 0;) {
-        const std::size_t start = end > digitsPerLimb ? end - digitsPerLimb : 0;
-        out.push_back(Limb(std::stoul(text.substr(start, end - start), nullptr, base)));
-        end = start;
-    }
-    while (out.size() > 1 && out.back() == 0) out.pop_back();
-    if (out.size() < n) out.resize(n, 0);
-    return out;
-}
-
-// q * b + delta as limbs.
-template <class R>
-Limbs multiplePlusFast(const Limbs& q, const Limbs& b, mpz_srcptr delta) {
-    Mpz v;
-    mpz_mul(v, toMpz<R>(q), toMpz<R>(b));
-    mpz_add(v, v, delta);
-    return limbsFromText<R>(v, 1);
-}
-
 // floor(radix^(dn+n) / D) + shift, as n + 2 limbs.
 template <class R>
 Limbs shiftedReciprocal(const Limbs& d, std::size_t n, long shift) {
@@ -63,7 +34,7 @@ Limbs shiftedReciprocal(const Limbs& d, std::size_t n, long shift) {
         mpz_add_ui(f, f, (unsigned long)shift);
     else
         mpz_sub_ui(f, f, (unsigned long)-shift);
-    return limbsFromText<R>(f, n + 2);
+    return limbsOf<R>(f, n + 2);
 }
 
 // Random divisors and the shapes at the ends of the range.
@@ -124,13 +95,8 @@ TYPED_TEST(ResidueCheckTest, SingleCorrectionEitherWayAtEveryShape) {
             Limbs quotient = gen.limbs<R>(qn);
             if (i % 2) quotient.back() = R::base - 1 - Limb(gen.below(R::base / 4));
             Mpz delta;
-            switch (i % 4) {
-                case 0: mpz_set_si(delta, -1); break;
-                case 1: mpz_set_si(delta, 0); break;
-                case 2: mpz_set_si(delta, 1); break;
-                default: mpz_sub_ui(delta, toMpz<R>(b), 1); break;
-            }
-            const Limbs a = multiplePlusFast<R>(quotient, b, delta);
+            setCorrectionDelta<R>(delta, i, b);
+            const Limbs a = multiplePlus<R>(quotient, b, delta);
             if (a.size() < dn) continue;
             const std::size_t n = a.size() - dn + 1;
             for (const std::size_t p : {n, n + 1}) {
