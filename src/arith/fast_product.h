@@ -45,7 +45,7 @@ void multiplyFast(Limb* out, const Limb* a, std::size_t an, const Limb* b, std::
     if (transformIsCheaper(bn, an + bn))
         transformMultiply<R>(out, a, an, b, bn);
     else
-        multiply<R>(out, a, an, b, bn);
+        multiplyWideBasecase<R>(out, a, an, b, bn);
 }
 
 // The product under a rule; the contract of multiply().

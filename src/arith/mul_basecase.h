@@ -120,12 +120,12 @@ BasecasePath forcedBasecasePath();
 // Where the 512-bit kernels are used when no path is forced: from this many
 // limbs of the shorter operand (or, second, of the square's), radix 2^28
 // only.  Below it the wider blocks waste more of their padding and ragged
-// rows than they gain, and for radix
+// rows than they gain (measured even at 8 limbs, ahead from 12).  For radix
 // 10^9 the compare after every addition settles one lane in about 70
 // additions, so eight lanes a compare mispredict too often; there the 256-bit
 // kernels are measured faster.
-inline constexpr std::size_t kWideLanesMin = 24;
-inline constexpr std::size_t kWideLanesSqrMin = 64;
+inline constexpr std::size_t kWideLanesMin = 12;
+inline constexpr std::size_t kWideLanesSqrMin = 12;
 
 // The path for a basecase of shorter operand s (wideMin: kWideLanesMin for
 // a product, kWideLanesSqrMin for a square): the forced one, else the fastest

@@ -149,6 +149,28 @@ struct BlockCarry {
         alignas(64) std::uint64_t ev[kHalf], od[kHalf], oe[kHalf], oo[kHalf];
         _mm512_store_si512(ev, b.even);
         _mm512_store_si512(od, b.odd);
+        if constexpr (R::isBinary) {
+            // A limb is a mask and a shift: one chain of an addition and a
+            // shift a column costs less than splitting the lanes apart.  The
+            // carry stays below 2^37 (lane sums are below 2^63), so the sum
+            // with it never wraps.
+            if (count >= kBlock) {
+                for (std::size_t k = 0; k < kHalf; ++k) {
+                    std::uint64_t v = ev[k] + carry;
+                    out[2 * k] = Limb(v) & BinaryRadix::mask;
+                    v = od[k] + (v >> BinaryRadix::bitsPerLimb);
+                    out[2 * k + 1] = Limb(v) & BinaryRadix::mask;
+                    carry = v >> BinaryRadix::bitsPerLimb;
+                }
+            } else {
+                for (std::size_t j = 0; j < count; ++j) {
+                    const std::uint64_t v = (j % 2 == 0 ? ev[j / 2] : od[j / 2]) + carry;
+                    out[j] = Limb(v) & BinaryRadix::mask;
+                    carry = v >> BinaryRadix::bitsPerLimb;
+                }
+            }
+            return;
+        }
         std::uint64_t col[kBlock + 2];
         for (std::size_t k = 0; k < kHalf; ++k) {
             col[2 * k] = T::low(ev[k]);

@@ -6,6 +6,9 @@
 // the estimate fall short, the arena adds a larger block; blocks are freed when
 // the arena goes.  Allocation failure throws std::bad_alloc.
 //
+// The arena also carries the one choice a caller may make about the rungs:
+// how long a shorter operand the basecase still takes (see multiplyFast).
+//
 // Under AddressSanitizer each buffer is followed by a poisoned guard, so an
 // overrun into the next buffer is reported as it would be for separate
 // allocations.
@@ -15,6 +18,7 @@
 #include <memory>
 #include <vector>
 
+#include "arith/thresholds.h"
 #include "frame/radix.h"
 
 namespace tw::arith {
@@ -32,6 +36,10 @@ public:
 
     // Blocks allocated so far (one when the estimate was enough).
     std::size_t blockCount() const { return blocks_.size(); }
+
+    // The longest shorter operand of a product that takes the basecase rung.
+    std::size_t basecaseMax() const { return basecaseMax_; }
+    void setBasecaseMax(std::size_t limbs) { basecaseMax_ = limbs; }
 
     // Releases everything taken since its construction when it goes out of scope.
     class Frame {
@@ -59,6 +67,7 @@ private:
     std::size_t current_ = 0;   // block served from
     std::size_t used_ = 0;      // limbs of it handed out
     std::size_t expected_;
+    std::size_t basecaseMax_ = kMulBasecaseMax;
 };
 
 }  // namespace tw::arith

@@ -25,7 +25,7 @@ template <class R>
 void mulSpans(Limb* out, const Limb* L, std::size_t l, const Limb* S, std::size_t s, LimbScratch& scratch) {
     if (s == 1) {
         mulByLimb<R>(out, L, l, S[0]);
-    } else if (s <= kMulBasecaseMax) {
+    } else if (s <= scratch.basecaseMax()) {
         mulBasecase<R>(out, L, l, S, s);
     } else if (s <= kMulKaratsubaMax) {
         mulKaratsuba<R>(out, L, l, S, s, scratch);
@@ -124,6 +124,14 @@ void multiply(Limb* out, const Limb* a, std::size_t an, const Limb* b, std::size
 }
 
 template <class R>
+void multiplyWideBasecase(Limb* out, const Limb* a, std::size_t an, const Limb* b, std::size_t bn) {
+    LimbScratch scratch(mulScratchEstimate(std::max(an, bn), std::min(an, bn)));
+    if (R::isBinary && basecasePathFor<R>(kWideBasecaseMax) == BasecasePath::WideLanes)
+        scratch.setBasecaseMax(kWideBasecaseMax);
+    mulLadder<R>(out, a, an, b, bn, scratch);
+}
+
+template <class R>
 void square(Limb* out, const Limb* a, std::size_t n) {
     LimbScratch scratch(mulScratchEstimate(n, n));
     sqrLadder<R>(out, a, n, scratch);
@@ -135,6 +143,8 @@ template void sqrLadder<DecimalRadix>(Limb*, const Limb*, std::size_t, LimbScrat
 template void sqrLadder<BinaryRadix>(Limb*, const Limb*, std::size_t, LimbScratch&);
 template void multiply<DecimalRadix>(Limb*, const Limb*, std::size_t, const Limb*, std::size_t);
 template void multiply<BinaryRadix>(Limb*, const Limb*, std::size_t, const Limb*, std::size_t);
+template void multiplyWideBasecase<DecimalRadix>(Limb*, const Limb*, std::size_t, const Limb*, std::size_t);
+template void multiplyWideBasecase<BinaryRadix>(Limb*, const Limb*, std::size_t, const Limb*, std::size_t);
 template void square<DecimalRadix>(Limb*, const Limb*, std::size_t);
 template void square<BinaryRadix>(Limb*, const Limb*, std::size_t);
 

@@ -18,6 +18,12 @@ namespace tw::arith {
 template <class R>
 void multiply(Limb* out, const Limb* a, std::size_t an, const Limb* b, std::size_t bn);
 
+// multiply() with the basecase rung raised to kWideBasecaseMax (radix 2^28
+// with the 512-bit kernels; elsewhere it is multiply()), in the top-level call
+// and in every sub-product of the rungs above it.
+template <class R>
+void multiplyWideBasecase(Limb* out, const Limb* a, std::size_t an, const Limb* b, std::size_t bn);
+
 // out[0 .. 2n) := a[0..n)^2.
 template <class R>
 void square(Limb* out, const Limb* a, std::size_t n);

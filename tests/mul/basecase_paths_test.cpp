@@ -158,6 +158,31 @@ TYPED_TEST(BasecasePaths, LadderOnEveryPath) {
     }
 }
 
+// The ladder with the raised basecase rung, on each path: shorter operands on
+// both sides of the ordinary rung and of the raised one, Karatsuba above it
+// whose halves fall back into it, and lopsided operands cut into pieces.
+TYPED_TEST(BasecasePaths, WideBasecaseLadderOnEveryPath) {
+    using R = TypeParam;
+    for (const BasecasePath path : supportedPaths()) {
+        tw::arith::forceBasecasePathForTesting(path);
+        LimbGenerator gen(105);
+        for (const std::size_t n : {11u, 12u, 64u, 65u, 127u, 128u, 129u, 192u, 193u, 256u, 300u}) {
+            for (const std::size_t l : {n, n + n / 3, 5 * n + 7}) {
+                const Limbs a = gen.limbs<R>(n), b = gen.limbs<R>(l);
+                const Limbs p = runKernel(a.size() + b.size(), [&](Limb* out) {
+                    tw::arith::multiplyWideBasecase<R>(out, a.data(), a.size(), b.data(), b.size());
+                });
+                EXPECT_TRUE(isProduct<R>(p, a, b)) << pathName(path) << ": " << n << " x " << l;
+            }
+            const Limbs m = LimbGenerator::maxLimbs<R>(n), mm = LimbGenerator::maxLimbs<R>(n + 1);
+            const Limbs q = runKernel(2 * n + 1, [&](Limb* out) {
+                tw::arith::multiplyWideBasecase<R>(out, mm.data(), mm.size(), m.data(), m.size());
+            });
+            EXPECT_TRUE(isProduct<R>(q, mm, m)) << pathName(path) << ": maximal " << n;
+        }
+    }
+}
+
 TEST(BasecasePathSeam, ForcingFollowsTheProcessor) {
     EXPECT_TRUE(tw::arith::basecasePathSupported(BasecasePath::Columns));
     tw::arith::forceBasecasePathForTesting(BasecasePath::Columns);
