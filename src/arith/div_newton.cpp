@@ -6,9 +6,34 @@
 
 #include "arith/add_sub.h"
 #include "arith/ntt/cyclic_multiply.h"
+#include "arith/thresholds.h"
 #include "frame/error_state.h"
 
 namespace tw::arith {
+
+template <class R>
+void multiplyFolded(Limb* out, const Limb* a, std::size_t an, const Limb* v, std::size_t vn,
+                    const CyclicFactor& vf, std::size_t length, ProductRule rule) {
+    const std::size_t w = an + vn - length;
+    assert(an + vn > length && w < length);
+    Limb* c = out;  // C fills out[0..N); H1 goes above it
+    cyclicMultiplyBy<R>(c, length, a, an, vf);
+    if (terminateRequested()) return;
+    if (std::all_of(c + w, c + length, [](Limb x) { return x == 0; })) {
+        multiplyBy<R>(rule, out, a, an, v, vn);
+        return;
+    }
+    // The w low limbs of the product: those of the w low limbs of each factor.
+    const std::size_t aw = std::min(an, w), vw = std::min(vn, w);
+    std::vector<Limb> low(aw + vw);
+    multiplyBy<R>(rule, low.data(), a, aw, v, vw);
+    Limb* h = out + length;
+    // Modulo radix^w: a borrow out of the top is dropped.
+    subSpans<R>(h, c, w, low.data(), std::min(w, aw + vw));
+    // L = C - H1, no borrow since C >= radix^w > H1.
+    [[maybe_unused]] const Limb borrow = subSpans<R>(c, c, length, h, w);
+    assert(borrow == 0);
+}
 
 namespace {
 
@@ -35,11 +60,27 @@ int checkModulo(Limb* x, std::size_t length, Limb* qd, const Limb* a, std::size_
     return 0;
 }
 
+// The transforms of the estimate's reciprocal truncation vn (for a quotient of
+// n limbs) at length N, made now unless one of the two kept entries has them.
+template <class R>
+const CyclicFactor& keptEstimate(KeptTransforms& kept, std::size_t n, std::size_t length, const Limb* vn,
+                                 std::size_t vl) {
+    for (KeptTransforms::Estimate& e : kept.estimates)
+        if (e.quotient == n && e.factor.readyFor(length)) return e.factor;
+    KeptTransforms::Estimate& e = kept.estimates[kept.older];
+    kept.older ^= 1;
+    e.quotient = 0;
+    e.factor.prepare<R>(length, vn, vl);
+    if (e.factor.readyFor(length)) e.quotient = n;
+    return e.factor;
+}
+
 // divideByReciprocal with its temporaries in `scratch`, which the block loop
 // keeps from one block to the next.
 template <class R>
 int divideBlock(std::vector<Limb>& scratch, Limb* q, std::size_t qn, Limb* r, const Limb* a, std::size_t an,
-                const Limb* d, std::size_t dn, const Limb* v, std::size_t p, ProductRule rule) {
+                const Limb* d, std::size_t dn, const Limb* v, std::size_t p, ProductRule rule,
+                KeptTransforms* kept = nullptr) {
     assert(dn >= 2 && d[dn - 1] != 0 && an >= dn);
     const std::size_t n = an - dn + 1;
     assert(n <= p && qn <= n);
@@ -65,7 +106,18 @@ int divideBlock(std::vector<Limb>& scratch, Limb* q, std::size_t qn, Limb* r, co
     Limb* qd = qe + (n + 1);
     Limb* diff = qd + ql0;
 
-    multiplyBy<R>(rule, estimateProduct, ahi, ahl, vn, vl);
+    // With kept transforms, an estimate past the Karatsuba rung folds: the
+    // modulus a quarter shorter than the product leaves a short low product.
+    std::size_t foldLength = 0;
+    if (kept && std::min(ahl, vl) > kMulKaratsubaMax && cyclicFits(el - el / 4))
+        foldLength = cyclicLength(el - el / 4);
+    if (foldLength > 0 && foldLength < el) {
+        const CyclicFactor& vf = keptEstimate<R>(*kept, n, foldLength, vn, vl);
+        if (terminateRequested()) return 0;
+        multiplyFolded<R>(estimateProduct, ahi, ahl, vn, vl, vf, foldLength, rule);
+    } else {
+        multiplyBy<R>(rule, estimateProduct, ahi, ahl, vn, vl);
+    }
     if (terminateRequested()) return 0;
     std::fill(qe, qe + n + 1, 0);
     if (el > n + 2) std::copy(estimateProduct + n + 2, estimateProduct + std::min(el, 2 * n + 3), qe);
@@ -73,7 +125,13 @@ int divideBlock(std::vector<Limb>& scratch, Limb* q, std::size_t qn, Limb* r, co
 
     int correction = 0;
     if (length) {
-        cyclicMultiply<R>(qd, length, qe, ql, d, dn);
+        if (kept) {
+            if (!kept->divisor.readyFor(length)) kept->divisor.prepare<R>(length, d, dn);
+            if (terminateRequested()) return 0;
+            cyclicMultiplyBy<R>(qd, length, qe, ql, kept->divisor);
+        } else {
+            cyclicMultiply<R>(qd, length, qe, ql, d, dn);
+        }
         if (terminateRequested()) return 0;
         correction = checkModulo<R>(diff, length, qd, a, an, d, dn);
         // The carry out of the add-back is the radix^N of the negative difference.
@@ -110,9 +168,10 @@ int divideBlock(std::vector<Limb>& scratch, Limb* q, std::size_t qn, Limb* r, co
 
 template <class R>
 int divideByReciprocal(Limb* q, std::size_t qn, Limb* r, const Limb* a, std::size_t an,
-                       const Limb* d, std::size_t dn, const Limb* v, std::size_t p, ProductRule rule) {
+                       const Limb* d, std::size_t dn, const Limb* v, std::size_t p, ProductRule rule,
+                       KeptTransforms* kept) {
     std::vector<Limb> scratch;
-    return divideBlock<R>(scratch, q, qn, r, a, an, d, dn, v, p, rule);
+    return divideBlock<R>(scratch, q, qn, r, a, an, d, dn, v, p, rule, kept);
 }
 
 template <class R>
@@ -139,10 +198,14 @@ void divideInBlocks(Limb* q, Limb* r, const Limb* a, std::size_t an,
     if (r) std::copy(rem, rem + dn, r);
 }
 
+template void multiplyFolded<DecimalRadix>(Limb*, const Limb*, std::size_t, const Limb*, std::size_t,
+                                          const CyclicFactor&, std::size_t, ProductRule);
+template void multiplyFolded<BinaryRadix>(Limb*, const Limb*, std::size_t, const Limb*, std::size_t,
+                                         const CyclicFactor&, std::size_t, ProductRule);
 template int divideByReciprocal<DecimalRadix>(Limb*, std::size_t, Limb*, const Limb*, std::size_t, const Limb*,
-                                              std::size_t, const Limb*, std::size_t, ProductRule);
+                                              std::size_t, const Limb*, std::size_t, ProductRule, KeptTransforms*);
 template int divideByReciprocal<BinaryRadix>(Limb*, std::size_t, Limb*, const Limb*, std::size_t, const Limb*,
-                                             std::size_t, const Limb*, std::size_t, ProductRule);
+                                             std::size_t, const Limb*, std::size_t, ProductRule, KeptTransforms*);
 template void divideInBlocks<DecimalRadix>(Limb*, Limb*, const Limb*, std::size_t, const Limb*, std::size_t,
                                            const Limb*, std::size_t, ProductRule);
 template void divideInBlocks<BinaryRadix>(Limb*, Limb*, const Limb*, std::size_t, const Limb*, std::size_t,

@@ -6,6 +6,7 @@
 #include <cstddef>
 
 #include "arith/fast_product.h"
+#include "arith/ntt/cyclic_multiply.h"
 #include "frame/radix.h"
 
 namespace tw::arith {
@@ -56,10 +57,44 @@ constexpr std::size_t blockPrecision(std::size_t dn) {
 // A < radix^(dn+n-1) bounds the first term by 3/radix in size; Alo <
 // radix^(dn-2) and V <= radix^(n+1) + 3 put the second in [0, 2/radix).  So
 // |x - y| < 1 and floor(y) is floor(x) - 1, floor(x) or floor(x) + 1.
+//
+// `kept`, for a divisor divided by many times with the same reciprocal, holds
+// transforms of D and of the truncated reciprocals, made on first use and
+// reused: the check product and (for quotients past the Karatsuba rung) the
+// estimate then transform only their other operand.
+struct KeptTransforms {
+    CyclicFactor divisor;
+    struct Estimate {
+        CyclicFactor factor;
+        std::size_t quotient = 0;  // the n of the truncation it was made from
+    };
+    Estimate estimates[2];         // the two quotient lengths last seen
+    unsigned older = 0;            // the entry to replace next
+
+    std::size_t words() const {
+        return divisor.words() + estimates[0].factor.words() + estimates[1].factor.words();
+    }
+    void clear() { *this = KeptTransforms{}; }
+};
+
+// out[0 .. an+vn) := a[0..an) * v[0..vn) through vf, v's transforms for the
+// modulus length N (vf.readyFor(N), an + vn - N = w with 1 <= w < N): the
+// cyclic product C = a v mod (radix^N - 1) and the w low limbs of the product,
+// taken apart as a product of w-limb spans.  With P = H radix^N + L, H <
+// radix^w, C is H + L or, when that reaches radix^N - 1, H + L - (radix^N - 1);
+// the low limbs give H1 = (C - L) mod radix^w.  In the first case H1 = H and
+// C >= H; in the second C < H1 <= radix^w - 1 (or C = 0).  So C >= radix^w
+// settles the first case, P = H1 radix^N + (C - H1); below it (the top N - w
+// limbs of C all zero, next to never for operands that are not built for it)
+// the product is taken in full by `rule`.  out overlaps neither operand.
+template <class R>
+void multiplyFolded(Limb* out, const Limb* a, std::size_t an, const Limb* v, std::size_t vn,
+                    const CyclicFactor& vf, std::size_t length, ProductRule rule);
+
 template <class R>
 int divideByReciprocal(Limb* q, std::size_t qn, Limb* r, const Limb* a, std::size_t an,
                        const Limb* d, std::size_t dn, const Limb* v, std::size_t p,
-                       ProductRule rule = ProductRule::Ladder);
+                       ProductRule rule = ProductRule::Ladder, KeptTransforms* kept = nullptr);
 
 // Dividends much longer than the divisor: q[0..an-dn+1) := A div D,
 // r[0..dn) := A mod D (r may be null), taking the quotient p - 1 limbs at a
@@ -76,8 +111,11 @@ void divideInBlocks(Limb* q, Limb* r, const Limb* a, std::size_t an,
 // not null it is the reciprocal, of precision p, of b above its zero bottom
 // limbs; otherwise one is computed for this division if it needs one.  The
 // products follow `rule`.
+// `kept` serves a single-block division (divideByReciprocal) and must belong
+// to b and v.
 template <class R>
 void divideMagnitude(Limb* q, Limb* r, const Limb* a, std::size_t an, const Limb* b, std::size_t bn,
-                     const Limb* v, std::size_t p, ProductRule rule = ProductRule::Ladder);
+                     const Limb* v, std::size_t p, ProductRule rule = ProductRule::Ladder,
+                     KeptTransforms* kept = nullptr);
 
 }  // namespace tw::arith

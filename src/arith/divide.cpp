@@ -14,7 +14,7 @@ namespace tw::arith {
 
 template <class R>
 void divideMagnitude(Limb* q, Limb* r, const Limb* a, std::size_t an, const Limb* b, std::size_t bn,
-                     const Limb* v, std::size_t p, ProductRule rule) {
+                     const Limb* v, std::size_t p, ProductRule rule, KeptTransforms* kept) {
     const std::size_t qn = an - bn + 1;
 
     // Zero limbs at the bottom of B are not divided: the limbs of A beside
@@ -76,7 +76,7 @@ void divideMagnitude(Limb* q, Limb* r, const Limb* a, std::size_t an, const Limb
         v = own.data();
     }
     if (n <= p)
-        divideByReciprocal<R>(q, n, r, a, al, b, bn, v, p, rule);
+        divideByReciprocal<R>(q, n, r, a, al, b, bn, v, p, rule, kept);
     else
         divideInBlocks<R>(q, r, a, al, b, bn, v, p, rule);
 }
@@ -88,9 +88,9 @@ void divide(Limb* q, Limb* r, const Limb* a, std::size_t an, const Limb* b, std:
 }
 
 template void divideMagnitude<DecimalRadix>(Limb*, Limb*, const Limb*, std::size_t, const Limb*, std::size_t,
-                                            const Limb*, std::size_t, ProductRule);
+                                            const Limb*, std::size_t, ProductRule, KeptTransforms*);
 template void divideMagnitude<BinaryRadix>(Limb*, Limb*, const Limb*, std::size_t, const Limb*, std::size_t,
-                                           const Limb*, std::size_t, ProductRule);
+                                           const Limb*, std::size_t, ProductRule, KeptTransforms*);
 template void divide<DecimalRadix>(Limb*, Limb*, const Limb*, std::size_t, const Limb*, std::size_t);
 template void divide<BinaryRadix>(Limb*, Limb*, const Limb*, std::size_t, const Limb*, std::size_t);
 

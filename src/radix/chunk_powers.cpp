@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <bit>
 
-#include "arith/div_newton.h"
 #include "arith/reciprocal.h"
 #include "frame/error_state.h"
 
@@ -58,18 +57,20 @@ void ChunkPowers<R>::divide(unsigned i, Limb* q, Limb* r, const Limb* a, std::si
         const std::size_t p = 2 * n >= m ? std::max(n, arith::blockPrecision(m)) : n;
         rec.v.assign(arith::reciprocalLimbs(p), 0);
         rec.precision = 0;
+        rec.kept.clear();
         arith::reciprocal<R>(rec.v.data(), d.data() + low, m, p, arith::ProductRule::Fastest);
         if (terminateRequested()) return;
         rec.precision = p;
     }
-    arith::divideMagnitude<R>(q, r, a, an, d.data(), dn, rec.v.data(), rec.precision, arith::ProductRule::Fastest);
+    arith::divideMagnitude<R>(q, r, a, an, d.data(), dn, rec.v.data(), rec.precision, arith::ProductRule::Fastest,
+                              &rec.kept);
 }
 
 template <class R>
 std::size_t ChunkPowers<R>::limbsHeld() const {
     std::size_t sum = 0;
     for (const Limbs& p : odd_) sum += p.size();
-    for (const Reciprocal& rec : reciprocals_) sum += rec.v.size();
+    for (const Reciprocal& rec : reciprocals_) sum += rec.v.size() + rec.kept.words();
     return sum;
 }
 

@@ -15,6 +15,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "arith/div_newton.h"
 #include "radix/limb_spans.h"
 
 namespace tw::radix {
@@ -58,6 +59,7 @@ private:
     struct Reciprocal {
         Limbs v;                    // of odd_i above its zero bottom limbs
         std::size_t precision = 0;  // 0: none yet
+        arith::KeptTransforms kept; // of odd_i and of v, made as the divisions ask
     };
     std::vector<Reciprocal> reciprocals_;
 };

@@ -21,7 +21,7 @@ namespace {
 // and divisions of the tree up to these lengths.  Binary limbs take Horner's
 // rule in 64-bit words, two chunks a step, which pays off further up.
 template <class R>
-constexpr std::size_t kJoinLeaf = R::isBinary ? 256 : 32;
+constexpr std::size_t kJoinLeaf = R::isBinary ? 128 : 32;
 constexpr std::size_t kSplitLeaf = 32;
 
 // The leaf for a run of `count` chunks: count / 2^L rounded up, for the

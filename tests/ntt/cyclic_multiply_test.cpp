@@ -243,6 +243,65 @@ TYPED_TEST(CyclicProduct, ReduceFoldsEveryPiece) {
     }
 }
 
+// A factor transformed once and multiplied by many: every length up to 2^12
+// on every path, factors longer than N (reduced first), zero and all-maximal
+// factors, and a factor made on one path is made again on another.
+template <class R>
+::testing::AssertionResult keptMatches(std::size_t length, const Limbs& a, const tw::arith::CyclicFactor& bf,
+                                       const Limbs& b) {
+    Limbs out(length + 1, 0x5A5A5A5Au);
+    out[length] = kSentinel;
+    tw::arith::cyclicMultiplyBy<R>(out.data(), length, a.data(), a.size(), bf);
+    Mpz expected;
+    mpz_mul(expected.v, valueOf<R>(a.data(), a.size()).v, valueOf<R>(b.data(), b.size()).v);
+    mpz_mod(expected.v, expected.v, modulusOf<R>(length).v);
+    if (auto ok = reducedResidueIs<R>(out, length, expected); !ok)
+        return ok << " (" << a.size() << " x kept " << b.size() << " limbs)";
+    return ::testing::AssertionSuccess();
+}
+
+TYPED_TEST(CyclicProduct, KeptFactorOnEveryPath) {
+    using R = TypeParam;
+    for (const PathCase& path : supportedPaths()) {
+        SCOPED_TRACE(path.name);
+        const ForcedPath forced(path.path);
+        LimbGenerator gen(0xC1C10008);
+        for (const std::size_t n : lengthsUpTo(1 << 12)) {
+            for (const Limbs& b : {gen.limbs<R>(n), gen.limbs<R>(n / 2 + 1), gen.limbs<R>(3 * n + 1), Limbs{},
+                                   LimbGenerator::maxLimbs<R>(n)}) {
+                tw::arith::CyclicFactor bf;
+                bf.prepare<R>(n, b.data(), b.size());
+                ASSERT_TRUE(bf.readyFor(n));
+                EXPECT_FALSE(bf.readyFor(2 * n));
+                for (const Limbs& a : {gen.limbs<R>(n), gen.limbs<R>(1 + gen.below(n)), gen.limbs<R>(2 * n + 1)})
+                    ASSERT_TRUE(keptMatches<R>(n, a, bf, b));
+            }
+        }
+    }
+}
+
+TYPED_TEST(CyclicProduct, KeptFactorFollowsThePath) {
+    using R = TypeParam;
+    const std::vector<PathCase> paths = supportedPaths();
+    if (paths.size() < 2) GTEST_SKIP() << "one transform path only";
+    LimbGenerator gen(0xC1C10009);
+    const std::size_t n = 1024;
+    const Limbs a = gen.limbs<R>(n), b = gen.limbs<R>(n - 7);
+    tw::arith::CyclicFactor bf;
+    {
+        const ForcedPath forced(paths.front().path);
+        bf.prepare<R>(n, b.data(), b.size());
+        ASSERT_TRUE(bf.readyFor(n));
+    }
+    const ForcedPath forced(paths.back().path);
+    EXPECT_FALSE(bf.readyFor(n));
+    bf.prepare<R>(n, b.data(), b.size());
+    ASSERT_TRUE(keptMatches<R>(n, a, bf, b));
+    bf.clear();
+    EXPECT_FALSE(bf.readyFor(n));
+    EXPECT_EQ(bf.words(), 0u);
+}
+
 TYPED_TEST(CyclicProduct, TerminateFlagReturnsEarly) {
     using R = TypeParam;
     LimbGenerator gen(0xC1C10006);

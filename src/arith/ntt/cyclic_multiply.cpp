@@ -113,6 +113,70 @@ void cyclicMultiply(Limb* out, std::size_t length, const Limb* a, std::size_t an
     std::copy(sums.begin(), sums.begin() + length, out);
 }
 
+template <class R>
+void CyclicFactor::prepare(std::size_t length, const Limb* b, std::size_t bn) {
+    using namespace ntt;
+    assert(length >= 4 && length <= kTransformMaxLength && roundTransformLength(length) == length);
+    clear();
+    std::vector<Limb> folded;
+    auto [y, yn] = operandOf<R>(folded, length, b, bn);
+    const TransformKernels& kernels = transformKernels(length);
+    const std::size_t m = transformBlockLength(length);
+    // Each prime's transform starts on a cache line, as the kernels' own buffers do.
+    const std::size_t stride = (length + 15) / 16 * 16;
+    AlignedWords transforms = allocateWords(kPrimes * stride);
+    AlignedWords top = allocateWords(topRootWords(m));
+    for (std::size_t k = 0; k < kPrimes && yn > 0; ++k) {
+        if (terminateRequested()) return;
+        const TransformPlan plan = makePlan(k, length, buildTopRootTable(kernels, k, m, top.get()));
+        kernels.forward(transforms.get() + k * stride, y, yn, plan);
+    }
+    if (terminateRequested()) return;
+    length_ = length;
+    stride_ = stride;
+    limbs_ = yn;
+    kernels_ = &kernels;
+    transforms_ = std::move(transforms);
+}
+
+bool CyclicFactor::readyFor(std::size_t length) const {
+    return transforms_ && length_ == length && kernels_ == &ntt::transformKernels(length);
+}
+
+void CyclicFactor::clear() {
+    transforms_.reset();
+    length_ = stride_ = limbs_ = 0;
+    kernels_ = nullptr;
+}
+
+template <class R>
+void cyclicMultiplyBy(Limb* out, std::size_t length, const Limb* a, std::size_t an, const CyclicFactor& b) {
+    using namespace ntt;
+    assert(b.readyFor(length));
+    if (terminateRequested()) return;
+    std::vector<Limb> foldedA;
+    auto [x, xn] = operandOf<R>(foldedA, length, a, an);
+    if (xn == 0 || b.limbs_ == 0) {
+        std::fill(out, out + length, 0);
+        return;
+    }
+    // The bound of cyclicMultiply: at most N sums of at most N products.
+    const std::size_t count = std::min(length, xn + b.limbs_ - 1);
+    std::vector<Limb> sums(length + 2, 0);
+    primeByPrime<R>(sums.data(), length + 2, count, length, 0,
+                    [&](const TransformKernels& kernels, const TransformPlan& plan, Limb* r, Limb*) {
+                        kernels.convolve(r, x, xn, b.transforms_.get() + plan.primeIndex * b.stride_, plan);
+                    });
+    if (terminateRequested()) return;
+    addTwoLimbsCyclic<R>(sums.data(), length, sums[length], sums[length + 1]);
+    reduceAllMaximal<R>(sums.data(), length);
+    std::copy(sums.begin(), sums.begin() + length, out);
+}
+
+template void CyclicFactor::prepare<DecimalRadix>(std::size_t, const Limb*, std::size_t);
+template void CyclicFactor::prepare<BinaryRadix>(std::size_t, const Limb*, std::size_t);
+template void cyclicMultiplyBy<DecimalRadix>(Limb*, std::size_t, const Limb*, std::size_t, const CyclicFactor&);
+template void cyclicMultiplyBy<BinaryRadix>(Limb*, std::size_t, const Limb*, std::size_t, const CyclicFactor&);
 template void reduceCyclic<DecimalRadix>(Limb*, std::size_t, const Limb*, std::size_t);
 template void reduceCyclic<BinaryRadix>(Limb*, std::size_t, const Limb*, std::size_t);
 template void cyclicMultiply<DecimalRadix>(Limb*, std::size_t, const Limb*, std::size_t, const Limb*, std::size_t);

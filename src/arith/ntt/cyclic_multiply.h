@@ -16,7 +16,12 @@
 
 #include <cstddef>
 
+#include "arith/ntt/aligned_words.h"
 #include "frame/radix.h"
+
+namespace tw::arith::ntt {
+struct TransformKernels;
+}
 
 namespace tw::arith {
 
@@ -43,5 +48,42 @@ void reduceCyclic(Limb* out, std::size_t length, const Limb* a, std::size_t an);
 // returns early with out unspecified.  May throw std::bad_alloc.
 template <class R>
 void cyclicMultiply(Limb* out, std::size_t length, const Limb* a, std::size_t an, const Limb* b, std::size_t bn);
+
+// The forward transforms of one factor for one modulus length, kept for
+// repeated cyclic products by that factor: each product then transforms only
+// its other operand, a third fewer transforms.  Made for the kernels the
+// transform uses at the time (their output order differs), so a factor made
+// before a test pins another path is made again.
+class CyclicFactor {
+public:
+    // Transforms b[0..bn) (any length; longer than N it is reduced first) for
+    // the modulus length N = `length`, as cyclicMultiply takes it.  Leaves the
+    // factor empty when the terminate flag is raised.  May throw std::bad_alloc.
+    template <class R>
+    void prepare(std::size_t length, const Limb* b, std::size_t bn);
+
+    // Whether the factor is made for this length and the kernels now in use.
+    bool readyFor(std::size_t length) const;
+    void clear();
+    // Words held.
+    std::size_t words() const { return transforms_ ? kPrimes * stride_ : 0; }
+
+private:
+    template <class R>
+    friend void cyclicMultiplyBy(Limb* out, std::size_t length, const Limb* a, std::size_t an,
+                                 const CyclicFactor& b);
+    static constexpr std::size_t kPrimes = 3;
+
+    std::size_t length_ = 0;
+    std::size_t stride_ = 0;       // words from one prime's transform to the next
+    std::size_t limbs_ = 0;        // the factor's length after trimming (and reduction)
+    const ntt::TransformKernels* kernels_ = nullptr;
+    ntt::AlignedWords transforms_;
+};
+
+// out[0..N) := a[0..an) * b mod (radix^N - 1), reduced, for the length N b
+// was made for (b.readyFor(N)).  Otherwise the contract of cyclicMultiply.
+template <class R>
+void cyclicMultiplyBy(Limb* out, std::size_t length, const Limb* a, std::size_t an, const CyclicFactor& b);
 
 }  // namespace tw::arith

@@ -56,6 +56,7 @@ TransformPlan makePlan(std::size_t primeIndex, std::size_t length, const TopRoot
     TransformPlan plan;
     plan.length = length;
     plan.blockLength = transformBlockLength(length);
+    plan.primeIndex = primeIndex;
     plan.prime = primeConstants(primeIndex);
     const LeafRootTables& leaf = leafRootTables(primeIndex);
     const Limb* topCompanions = top.words ? top.words + topLevelOffset(top.blockLength) : nullptr;

@@ -61,6 +61,7 @@ struct LevelRoots {
 struct TransformPlan {
     std::size_t length = 0;       // N
     std::size_t blockLength = 0;  // M: N == M or N == 3 * M
+    std::size_t primeIndex = 0;   // which of the three primes
     PrimeConstants prime{};
     LevelRoots forward;           // w_2h^j
     LevelRoots inverse;           // w_2h^-j below kLeafLength, the forward roots above
