@@ -63,7 +63,7 @@ void ChunkPowers<R>::divide(unsigned i, Limb* q, Limb* r, const Limb* a, std::si
         rec.precision = p;
     }
     arith::divideMagnitude<R>(q, r, a, an, d.data(), dn, rec.v.data(), rec.precision, arith::ProductRule::Fastest,
-                              &rec.kept);
+                              dn <= kKeptTransformsMaxLimbs ? &rec.kept : nullptr);
 }
 
 template <class R>
