@@ -51,10 +51,10 @@ inline Limb limbStep(Limb a, Limb b, Limb& carry) {
 }
 
 // out[0..n) := a[0..n) +- b[0..n); returns the carry (borrow).  out may equal
-// a or b.  The two halves run as two independent carry chains, which the
-// processor overlaps, and the lower half's carry then moves into the upper.
+// a or b.  Scalar: the two halves run as two independent carry chains, which
+// the processor overlaps, and the lower half's carry then moves into the upper.
 template <class R, bool Subtract>
-Limb combineSameLength(Limb* out, const Limb* a, const Limb* b, std::size_t n) {
+Limb combineSameLengthPortable(Limb* out, const Limb* a, const Limb* b, std::size_t n) {
     const std::size_t h = n / 2;
     Limb low = 0, high = 0;
     for (std::size_t i = 0; i < h; ++i) {
@@ -65,6 +65,15 @@ Limb combineSameLength(Limb* out, const Limb* a, const Limb* b, std::size_t n) {
     // The whole sum (difference) carries at most once, so the two can't both be set.
     const Limb moved = Subtract ? subBorrow<R>(out + h, out + h, n - h, low) : addCarry<R>(out + h, out + h, n - h, low);
     return high | moved;
+}
+
+// out[0..n) := a[0..n) +- b[0..n); returns the carry (borrow).  out may equal
+// a or b.  The 512-bit kernels from their threshold on.
+template <class R, bool Subtract>
+Limb combineSameLength(Limb* out, const Limb* a, const Limb* b, std::size_t n) {
+    if (useWideAddSub(n))
+        return Subtract ? subSameLengthWide<R>(out, a, b, n, 0) : addSameLengthWide<R>(out, a, b, n, 0);
+    return combineSameLengthPortable<R, Subtract>(out, a, b, n);
 }
 
 // out[0..an) := a[0..an) +- b[0..bn), an >= bn; returns the carry (borrow).
