@@ -90,4 +90,18 @@ void setCorrectionDelta(mpz_t delta, std::size_t i, const Limbs& b) {
     }
 }
 
+// floor(radix^(dn+n) / D) + shift, as n + 2 limbs: a reciprocal of precision
+// n anywhere in (or at the ends of) its contract.
+template <class R>
+Limbs shiftedReciprocal(const Limbs& d, std::size_t n, long shift) {
+    Mpz power, f;
+    mpz_ui_pow_ui(power, R::base, d.size() + n);
+    mpz_fdiv_q(f, power, toMpz<R>(d));
+    if (shift >= 0)
+        mpz_add_ui(f, f, (unsigned long)shift);
+    else
+        mpz_sub_ui(f, f, (unsigned long)-shift);
+    return limbsOf<R>(f, n + 2);
+}
+
 }  // namespace twtest

@@ -84,20 +84,6 @@ TYPED_TEST(KeptTransformsTest, ProductsOnTheFoldsAmbiguousResidues) {
     }
 }
 
-// floor(radix^(dn+p) / D) + shift, as p + 2 limbs: a reciprocal at either end
-// of its contract, so that estimates need both corrections.
-template <class R>
-Limbs reciprocalOf(const Limbs& d, std::size_t p, long shift) {
-    Mpz power, f;
-    mpz_ui_pow_ui(power, R::base, d.size() + p);
-    mpz_fdiv_q(f, power, toMpz<R>(d));
-    if (shift >= 0)
-        mpz_add_ui(f, f, (unsigned long)shift);
-    else
-        mpz_sub_ui(f, f, (unsigned long)-shift);
-    return limbsOf<R>(f, p + 2);
-}
-
 // One divisor, one reciprocal, one KeptTransforms over a run of divisions
 // whose quotient lengths come and go (two kept estimate entries, a third
 // length evicts the older); each against GMP and against the same division
@@ -106,7 +92,7 @@ template <class R>
 void runKeptDivisions(LimbGenerator& gen, const Limbs& d, std::size_t p, long shift,
                       const std::vector<std::size_t>& quotients, KeptTransforms& kept) {
     const std::size_t dn = d.size();
-    const Limbs v = reciprocalOf<R>(d, p, shift);
+    const Limbs v = shiftedReciprocal<R>(d, p, shift);
     int i = 0;
     for (const std::size_t n : quotients) {
         Limbs quotient = gen.limbs<R>(n);
@@ -172,7 +158,7 @@ TYPED_TEST(KeptTransformsTest, TerminateLeavesNothingHalfMade) {
     LimbGenerator gen(0xF01D0005);
     const Limbs d = gen.limbs<R>(500);
     const std::size_t p = 520;
-    const Limbs v = reciprocalOf<R>(d, p, 0);
+    const Limbs v = shiftedReciprocal<R>(d, p, 0);
     const Limbs a = gen.limbs<R>(d.size() + p - 1);
     KeptTransforms kept;
     Limbs q(p + 1), r(d.size() + 1);

@@ -24,19 +24,6 @@ TYPED_TEST_SUITE(ResidueCheckTest, Radices);
 
 constexpr ProductRule kRules[] = {ProductRule::Ladder, ProductRule::Fastest};
 
-// floor(radix^(dn+n) / D) + shift, as n + 2 limbs.
-template <class R>
-Limbs shiftedReciprocal(const Limbs& d, std::size_t n, long shift) {
-    Mpz power, f;
-    mpz_ui_pow_ui(power, R::base, d.size() + n);
-    mpz_fdiv_q(f, power, toMpz<R>(d));
-    if (shift >= 0)
-        mpz_add_ui(f, f, (unsigned long)shift);
-    else
-        mpz_sub_ui(f, f, (unsigned long)-shift);
-    return limbsOf<R>(f, n + 2);
-}
-
 // Random divisors and the shapes at the ends of the range.
 template <class R>
 std::vector<Limbs> divisorsOfLength(LimbGenerator& gen, std::size_t dn) {

@@ -47,6 +47,24 @@ std::pair<const Limb*, std::size_t> operandOf(std::vector<Limb>& folded, std::si
     return {folded.data(), n};
 }
 
+// out[0..N) := x[0..xn) * y mod (radix^N - 1), reduced, y of yn limbs (both
+// trimmed, non-zero), with convolveOnPrime(kernels, plan, r) leaving one
+// prime's cyclic convolution in r.  At most N sums, each of at most N
+// products below radix^2: within the bound of the Chinese remainder step
+// (crt_constants.h).  Their value is below N radix^(N+1) < radix^(N+2), so
+// two limbs spill over the top and wrap round.
+template <class R, class ConvolveOnPrime>
+void convolveCyclic(Limb* out, std::size_t length, std::size_t xn, std::size_t yn, std::size_t extraWords,
+                    ConvolveOnPrime convolveOnPrime) {
+    const std::size_t count = std::min(length, xn + yn - 1);
+    std::vector<Limb> sums(length + 2, 0);
+    ntt::primeByPrime<R>(sums.data(), length + 2, count, length, extraWords, convolveOnPrime);
+    if (terminateRequested()) return;
+    addTwoLimbsCyclic<R>(sums.data(), length, sums[length], sums[length + 1]);
+    reduceAllMaximal<R>(sums.data(), length);
+    std::copy(sums.begin(), sums.begin() + length, out);
+}
+
 }  // namespace
 
 bool cyclicFits(std::size_t minimum) { return minimum <= kTransformMaxLength; }
@@ -97,20 +115,11 @@ void cyclicMultiply(Limb* out, std::size_t length, const Limb* a, std::size_t an
         std::swap(x, y);
         std::swap(xn, yn);
     }
-    // At most N sums, each of at most N products below radix^2: within the
-    // bound of the Chinese remainder step (crt_constants.h).  Their value is
-    // below N radix^(N+1) < radix^(N+2), so two limbs spill over the top.
-    const std::size_t count = std::min(length, xn + yn - 1);
-    std::vector<Limb> sums(length + 2, 0);
-    primeByPrime<R>(sums.data(), length + 2, count, length, length,
-                    [&](const TransformKernels& kernels, const TransformPlan& plan, Limb* r, Limb* scratch) {
-                        kernels.forward(scratch, y, yn, plan);
-                        if (!terminateRequested()) kernels.convolve(r, x, xn, scratch, plan);
-                    });
-    if (terminateRequested()) return;
-    addTwoLimbsCyclic<R>(sums.data(), length, sums[length], sums[length + 1]);
-    reduceAllMaximal<R>(sums.data(), length);
-    std::copy(sums.begin(), sums.begin() + length, out);
+    convolveCyclic<R>(out, length, xn, yn, length,
+                      [&](const TransformKernels& kernels, const TransformPlan& plan, Limb* r, Limb* scratch) {
+                          kernels.forward(scratch, y, yn, plan);
+                          if (!terminateRequested()) kernels.convolve(r, x, xn, scratch, plan);
+                      });
 }
 
 template <class R>
@@ -160,17 +169,10 @@ void cyclicMultiplyBy(Limb* out, std::size_t length, const Limb* a, std::size_t 
         std::fill(out, out + length, 0);
         return;
     }
-    // The bound of cyclicMultiply: at most N sums of at most N products.
-    const std::size_t count = std::min(length, xn + b.limbs_ - 1);
-    std::vector<Limb> sums(length + 2, 0);
-    primeByPrime<R>(sums.data(), length + 2, count, length, 0,
-                    [&](const TransformKernels& kernels, const TransformPlan& plan, Limb* r, Limb*) {
-                        kernels.convolve(r, x, xn, b.transforms_.get() + plan.primeIndex * b.stride_, plan);
-                    });
-    if (terminateRequested()) return;
-    addTwoLimbsCyclic<R>(sums.data(), length, sums[length], sums[length + 1]);
-    reduceAllMaximal<R>(sums.data(), length);
-    std::copy(sums.begin(), sums.begin() + length, out);
+    convolveCyclic<R>(out, length, xn, b.limbs_, 0,
+                      [&](const TransformKernels& kernels, const TransformPlan& plan, Limb* r, Limb*) {
+                          kernels.convolve(r, x, xn, b.transforms_.get() + plan.primeIndex * b.stride_, plan);
+                      });
 }
 
 template void CyclicFactor::prepare<DecimalRadix>(std::size_t, const Limb*, std::size_t);
