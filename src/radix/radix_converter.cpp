@@ -6,8 +6,8 @@
 
 #include "frame/error_state.h"
 #include "frame/machine_int.h"
-#include "radix/chunk_radix.h"
-#include "radix/digit_conversion.h"
+#include "arith/convert/chunk_radix.h"
+#include "arith/convert/digit_conversion.h"
 #include "text/text_input.h"
 
 namespace tw {

@@ -3,7 +3,7 @@
 #include <type_traits>
 
 #include "frame/error_state.h"
-#include "radix/digit_conversion.h"
+#include "arith/convert/digit_conversion.h"
 #include "text/decimal_output.h"
 #include "text/hex_output.h"
 #include "text/radix_output.h"

@@ -8,7 +8,7 @@
 #include <type_traits>
 
 #include "frame/error_state.h"
-#include "radix/digit_conversion.h"
+#include "arith/convert/digit_conversion.h"
 #include "text/text_buffer.h"
 
 namespace tw::text {

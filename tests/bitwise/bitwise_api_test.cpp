@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-#include "arith/bitwise.h"
+#include "arith/numbers/bitwise.h"
 #include "support/c_families.h"
 #include "support/limb_oracle.h"
 

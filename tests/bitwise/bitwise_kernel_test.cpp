@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "arith/bitwise.h"
+#include "arith/numbers/bitwise.h"
 #include "support/limb_oracle.h"
 
 namespace {
@@ -34,7 +34,7 @@ void checkKernel(LimbGenerator& gen, std::size_t an, std::size_t bn) {
     constexpr tw::Limb kSentinel = 0xDEADBEEF;
 
     Limbs out(n + 1, kSentinel);  // separate output
-    tw::arith::combineSpans<Op, Bin>(out.data(), a.data(), an, b.data(), bn);
+    tw::arith::combineBitwiseSpans<Op, Bin>(out.data(), a.data(), an, b.data(), bn);
     EXPECT_EQ(Limbs(out.begin(), out.begin() + std::ptrdiff_t(n)), want) << an << " x " << bn;
     EXPECT_EQ(out[n], kSentinel) << "wrote past the result";
 
@@ -43,9 +43,9 @@ void checkKernel(LimbGenerator& gen, std::size_t an, std::size_t bn) {
         Limbs inPlace = overA ? a : b;
         inPlace.resize(std::max(an, bn) + 1, kSentinel);
         if (overA)
-            tw::arith::combineSpans<Op, Bin>(inPlace.data(), inPlace.data(), an, b.data(), bn);
+            tw::arith::combineBitwiseSpans<Op, Bin>(inPlace.data(), inPlace.data(), an, b.data(), bn);
         else
-            tw::arith::combineSpans<Op, Bin>(inPlace.data(), a.data(), an, inPlace.data(), bn);
+            tw::arith::combineBitwiseSpans<Op, Bin>(inPlace.data(), a.data(), an, inPlace.data(), bn);
         EXPECT_EQ(Limbs(inPlace.begin(), inPlace.begin() + std::ptrdiff_t(n)), want)
             << an << " x " << bn << (overA ? " over a" : " over b");
         EXPECT_EQ(inPlace[std::max(an, bn)], kSentinel);

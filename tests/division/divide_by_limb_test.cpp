@@ -1,5 +1,5 @@
 // Division of a limb span by one machine word, divisors up to 2^32 - 1.
-#include "arith/divide_by_limb.h"
+#include "arith/kernels/divide_by_limb.h"
 
 #include "division/division_check.h"
 

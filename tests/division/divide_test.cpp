@@ -1,6 +1,6 @@
 // The division kernel divide(): one-limb divisors, one-limb quotients, long
 // quotients through the reciprocal, and the shapes that stress each path.
-#include "arith/divide.h"
+#include "arith/kernels/divide.h"
 
 #include "division/division_check.h"
 #include "tarnwick.h"

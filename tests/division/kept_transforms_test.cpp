@@ -5,11 +5,11 @@
 // modulus, products built to land on the fold's ambiguous residues, quotient
 // lengths that alternate and evict the kept entries, transforms kept across
 // a change of the transform's code path, and the terminate flag mid-way.
-#include "arith/div_newton.h"
-#include "arith/ntt/cyclic_multiply.h"
-#include "arith/ntt/transform_dispatch.h"
-#include "arith/reciprocal.h"
-#include "arith/thresholds.h"
+#include "arith/kernels/divide_newton.h"
+#include "arith/kernels/ntt/cyclic_multiply.h"
+#include "arith/kernels/ntt/transform_dispatch.h"
+#include "arith/kernels/reciprocal.h"
+#include "arith/tuning.h"
 #include "division/division_check.h"
 #include "tarnwick.h"
 

@@ -1,8 +1,8 @@
 // The Newton reciprocal, the single-correction quotient built on it, the block
 // loop for long dividends, and a divisor that keeps its reciprocal.
-#include "arith/reciprocal.h"
+#include "arith/kernels/reciprocal.h"
 
-#include "arith/div_newton.h"
+#include "arith/kernels/divide_newton.h"
 #include "division/division_check.h"
 #include "tarnwick.h"
 

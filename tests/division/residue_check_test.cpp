@@ -5,11 +5,11 @@
 // only two limbs longer than the divisor (the least that tells the sign);
 // estimates are pushed to both corrections by reciprocals at the ends of
 // their contract and by dividends next to a multiple of the divisor.
-#include "arith/div_newton.h"
-#include "arith/divide.h"
-#include "arith/fast_product.h"
-#include "arith/ntt/cyclic_multiply.h"
-#include "arith/reciprocal.h"
+#include "arith/kernels/divide_newton.h"
+#include "arith/kernels/divide.h"
+#include "arith/kernels/fast_product.h"
+#include "arith/kernels/ntt/cyclic_multiply.h"
+#include "arith/kernels/reciprocal.h"
 #include "division/division_check.h"
 #include "tarnwick.h"
 

@@ -13,9 +13,9 @@
 #include <algorithm>
 #include <vector>
 
-#include "arith/add_sub.h"
-#include "arith/mul_span_ops.h"
-#include "arith/multiply.h"
+#include "arith/kernels/add_sub.h"
+#include "arith/kernels/mul_span_ops.h"
+#include "arith/kernels/multiply.h"
 #include "mul_check.h"
 
 namespace {

@@ -7,9 +7,9 @@
 
 #include <vector>
 
-#include "arith/mul_basecase.h"
-#include "arith/multiply.h"
-#include "arith/sqr_basecase.h"
+#include "arith/kernels/mul_basecase.h"
+#include "arith/kernels/multiply.h"
+#include "arith/kernels/sqr_basecase.h"
 #include "mul_check.h"
 
 namespace {

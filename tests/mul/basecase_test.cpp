@@ -5,9 +5,9 @@
 #include <utility>
 #include <vector>
 
-#include "arith/mul_basecase.h"
-#include "arith/mul_span_ops.h"
-#include "arith/sqr_basecase.h"
+#include "arith/kernels/mul_basecase.h"
+#include "arith/kernels/mul_span_ops.h"
+#include "arith/kernels/sqr_basecase.h"
 #include "mul_check.h"
 
 namespace {

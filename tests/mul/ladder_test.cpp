@@ -6,8 +6,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "arith/mul_ladder.h"
-#include "arith/multiply.h"
+#include "arith/kernels/mul_ladder.h"
+#include "arith/kernels/multiply.h"
 #include "mul_check.h"
 #include "tarnwick.h"
 

@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <functional>
 
-#include "arith/mul_scratch.h"
+#include "arith/kernels/mul_scratch.h"
 #include "frame/radix.h"
 #include "support/limb_oracle.h"
 

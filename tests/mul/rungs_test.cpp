@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "arith/mul_ladder.h"
+#include "arith/kernels/mul_ladder.h"
 #include "mul_check.h"
 
 namespace {

@@ -2,7 +2,7 @@
 // that random operands rarely produce.
 #include <gtest/gtest.h>
 
-#include "arith/mul_span_ops.h"
+#include "arith/kernels/mul_span_ops.h"
 #include "mul_check.h"
 
 namespace {

@@ -5,10 +5,10 @@
 
 #include <gtest/gtest.h>
 
-#include "arith/ntt/crt.h"
-#include "arith/ntt/crt_constants.h"
-#include "arith/ntt/roots_of_unity.h"
-#include "arith/thresholds.h"
+#include "arith/kernels/ntt/crt.h"
+#include "arith/kernels/ntt/crt_constants.h"
+#include "arith/kernels/ntt/roots_of_unity.h"
+#include "arith/tuning.h"
 #include "ntt_test_support.h"
 #include "support/limb_oracle.h"
 

@@ -6,9 +6,9 @@
 
 #include <gtest/gtest.h>
 
-#include "arith/ntt/cyclic_multiply.h"
-#include "arith/ntt/transform_lengths.h"
-#include "arith/thresholds.h"
+#include "arith/kernels/ntt/cyclic_multiply.h"
+#include "arith/kernels/ntt/transform_lengths.h"
+#include "arith/tuning.h"
 #include "ntt_test_support.h"
 #include "support/limb_oracle.h"
 #include "tarnwick.h"

@@ -10,12 +10,12 @@
 #include <unordered_map>
 #include <vector>
 
-#include "arith/ntt/kernel_table.h"
-#include "arith/ntt/prime_field.h"
-#include "arith/ntt/roots.h"
-#include "arith/ntt/roots_of_unity.h"
-#include "arith/ntt/transform_dispatch.h"
-#include "arith/ntt/transform_lengths.h"
+#include "arith/kernels/ntt/kernel_table.h"
+#include "arith/kernels/ntt/prime_field.h"
+#include "arith/kernels/ntt/roots.h"
+#include "arith/kernels/ntt/roots_of_unity.h"
+#include "arith/kernels/ntt/transform_dispatch.h"
+#include "arith/kernels/ntt/transform_lengths.h"
 
 namespace twtest {
 

@@ -5,8 +5,8 @@
 
 #include <gtest/gtest.h>
 
-#include "arith/ntt/transform_multiply.h"
-#include "arith/thresholds.h"
+#include "arith/kernels/ntt/transform_multiply.h"
+#include "arith/tuning.h"
 #include "ntt_test_support.h"
 #include "support/limb_oracle.h"
 #include "tarnwick.h"

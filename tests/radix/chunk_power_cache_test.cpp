@@ -2,7 +2,7 @@
 // GMP, the cache stays within its entries as radices come and go, powers
 // that the terminate flag left unfinished are never handed out again, and the
 // reciprocal kept for a level serves short and long quotients alike.
-#include "radix/chunk_power_cache.h"
+#include "arith/convert/chunk_power_cache.h"
 
 #include <gmp.h>
 #include <gtest/gtest.h>
@@ -10,9 +10,9 @@
 #include <cstdint>
 #include <vector>
 
-#include "arith/divide.h"
+#include "arith/kernels/divide.h"
 #include "frame/error_state.h"
-#include "radix/digit_conversion.h"
+#include "arith/convert/digit_conversion.h"
 #include "radix/oracle_digits.h"
 
 namespace {

@@ -1,7 +1,7 @@
 // setFromDigits and toDigits against GMP: every radix from 2 to 62, radix 0
 // (2^32), radices next to powers, vectors with zero digits at both ends, and
 // lengths across the divide-and-conquer levels.
-#include "radix/digit_conversion.h"
+#include "arith/convert/digit_conversion.h"
 
 #include <gmp.h>
 #include <gtest/gtest.h>

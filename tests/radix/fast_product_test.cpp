@@ -2,7 +2,7 @@
 // ladder at the edges of the band where it takes the transform instead:
 // the shorter operand on either side of the Karatsuba and transform rungs,
 // results on either side of 576 limbs, operands in either order.
-#include "radix/limb_spans.h"
+#include "arith/convert/limb_spans.h"
 
 #include <gtest/gtest.h>
 

@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-#include "arith/magnitude.h"
+#include "arith/numbers/magnitude.h"
 #include "frame/signed_number.h"
 #include "support/limb_oracle.h"
 

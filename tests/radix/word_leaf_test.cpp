@@ -1,7 +1,7 @@
 // The split of leaves on 64-bit words against GMP: chunks whose largest power
 // below 2^64 takes one to many chunks, a power at or above 2^63 (no shift) and
 // far below it, values of all-ones words, and chunk counts beyond the value.
-#include "radix/word_leaf.h"
+#include "arith/convert/word_leaf.h"
 
 #include <gmp.h>
 #include <gtest/gtest.h>

@@ -1,0 +1,45 @@
+// Powers of a chunk kept from one conversion to the next.  The powers and the
+// reciprocals of the divisions are a good part of the cost of a conversion
+// (more than a quarter of it at 10^5 digits), and they depend only on the
+// chunk, the leaf and the limb radix: programs that print many numbers in one
+// radix compute them once.
+//
+// The cache keeps the powers of a few chunks, the most recently used first,
+// within a bound on the limbs it holds; what exceeds the bound is dropped after
+// the conversion that built it.  Powers that the terminate flag cut short are
+// dropped as well, never handed out again.  Process-wide and unlocked: the
+// library is used from one thread at a time.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+#include "arith/convert/chunk_powers.h"
+
+namespace tw::radix {
+
+// Limbs the cache holds at most between conversions (16 MB): enough for the
+// powers of numbers of some 10^7 digits.
+inline constexpr std::size_t kChunkPowerCacheLimbs = std::size_t(1) << 22;
+// Chunks whose powers are kept at once.
+inline constexpr std::size_t kChunkPowerCacheEntries = 4;
+
+// The powers of `chunk` for `leaf` (see ChunkPowers), from the cache or new.
+// The caller holds them for one conversion and then calls releaseChunkPowers.
+template <class R>
+std::shared_ptr<ChunkPowers<R>> acquireChunkPowers(std::uint64_t chunk, std::size_t leaf, bool separateTwos);
+
+// Ends a conversion's use of the powers: keeps them for the next one if they
+// are whole and the cache stays within its bound, else drops them.
+template <class R>
+void releaseChunkPowers(std::shared_ptr<ChunkPowers<R>> powers);
+
+// Empties the cache (tests, and callers that want the memory back).
+void clearChunkPowerCache();
+
+// Limbs the cache holds now, and the chunks whose powers it holds.
+std::size_t chunkPowerCacheLimbs();
+std::size_t chunkPowerCacheEntries();
+
+}  // namespace tw::radix

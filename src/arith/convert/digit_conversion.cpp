@@ -1,0 +1,196 @@
+#include "arith/convert/digit_conversion.h"
+
+#include <algorithm>
+#include <cmath>
+#include <type_traits>
+
+#include "frame/error_state.h"
+#include "arith/convert/chunk_radix.h"
+#include "arith/convert/chunk_tree.h"
+#include "arith/convert/regroup.h"
+
+namespace tw {
+
+namespace {
+
+using radix::ChunkRadix;
+
+// Digits that are not below the radix (a converter whose radix was changed
+// under its digits) still have a value: sum digit[i] * radix^i.  Carrying the
+// excess upwards gives the proper digits of that value.
+std::vector<std::uint32_t> carryExcess(const std::uint32_t* digits, std::size_t count, std::uint64_t radix) {
+    std::vector<std::uint32_t> out(digits, digits + count);
+    std::uint64_t carry = 0;  // below 2^32: (2^32 - 1 + carry) / 2 < 2^32
+    for (std::uint32_t& d : out) {
+        const std::uint64_t t = d + carry;
+        d = std::uint32_t(t % radix);
+        carry = t / radix;
+    }
+    for (; carry != 0; carry /= radix) out.push_back(std::uint32_t(carry % radix));
+    return out;
+}
+
+// Packs digits[0..count) by `digitsPerChunk` into chunks, least significant first.
+std::vector<std::uint32_t> packChunks(const std::uint32_t* digits, std::size_t count, const ChunkRadix& c) {
+    const std::size_t k = c.digitsPerChunk;
+    std::vector<std::uint32_t> chunks((count + k - 1) / k);
+    for (std::size_t j = 0; j < chunks.size(); ++j) {
+        const std::size_t begin = j * k, end = std::min(count, begin + k);
+        std::uint64_t v = 0;
+        for (std::size_t i = end; i-- > begin;) v = v * c.radix + digits[i];
+        chunks[j] = std::uint32_t(v);
+    }
+    return chunks;
+}
+
+// The limbs of the value of the digits, each below the radix; top limbs may be zero.
+template <class R>
+std::vector<Limb> limbsOfDigits(std::uint64_t radixValue, const std::uint32_t* digits, std::size_t count) {
+    if constexpr (R::isBinary) {
+        if (const unsigned j = radix::powerOfTwoExponent(radixValue)) return radix::bitDigitsToLimbs(digits, count, j);
+    } else {
+        if (const unsigned j = radix::powerOfTenExponent(radixValue)) return radix::decimalDigitsToLimbs(digits, count, j);
+    }
+    const ChunkRadix c = radix::chunkRadixOf(radixValue);
+    if (c.digitsPerChunk == 1) return radix::joinChunks<R>(digits, count, c.chunk);
+    const std::vector<std::uint32_t> chunks = packChunks(digits, count, c);
+    return radix::joinChunks<R>(chunks.data(), chunks.size(), c.chunk);
+}
+
+template <class R>
+using OtherRadix = std::conditional_t<R::isBinary, DecimalRadix, BinaryRadix>;
+
+// Whether digits of the radix regroup from limbs of radix R: powers of two
+// from binary limbs, powers of ten from decimal limbs.
+template <class R>
+bool regroups(std::uint64_t radixValue) {
+    return R::isBinary ? radix::powerOfTwoExponent(radixValue) != 0 : radix::powerOfTenExponent(radixValue) != 0;
+}
+
+// The digits of limbs[0..n) in a radix that regroups from radix R.
+template <class R>
+std::vector<std::uint32_t> regroupedDigits(const Limb* limbs, std::size_t n, std::uint64_t radixValue) {
+    if constexpr (R::isBinary)
+        return radix::limbsToBitDigits(limbs, n, radix::powerOfTwoExponent(radixValue));
+    else
+        return radix::limbsToDecimalDigits(limbs, n, radix::powerOfTenExponent(radixValue));
+}
+
+// An upper bound on the chunks of a magnitude of `limbs` limbs.
+template <class R>
+std::size_t chunksBound(std::size_t limbs, std::uint64_t chunk) {
+    const double bits = double(limbs) * radix::limbBits<R>();
+    return std::size_t(bits / std::log2(double(chunk)) * (1 + 1e-12)) + 2;
+}
+
+// Unpacks chunks into digits and drops zero digits at the top.
+std::vector<std::uint32_t> unpackChunks(const std::vector<std::uint32_t>& chunks, const ChunkRadix& c) {
+    std::vector<std::uint32_t> digits;
+    if (c.digitsPerChunk == 1) {
+        digits = chunks;
+    } else {
+        digits.resize(chunks.size() * c.digitsPerChunk);
+        // A multiply-high per digit instead of a hardware division.
+        const radix::WordDivisor byRadix(c.radix);
+        // Four chunks at a time: their chains of dependent divisions overlap.
+        const unsigned k = c.digitsPerChunk;
+        std::uint32_t* out = digits.data();
+        std::size_t j = 0;
+        for (; j + 4 <= chunks.size(); j += 4, out += 4 * k) {
+            std::uint64_t v[4] = {chunks[j], chunks[j + 1], chunks[j + 2], chunks[j + 3]};
+            for (unsigned i = 0; i < k; ++i)
+                for (unsigned lane = 0; lane < 4; ++lane) {
+                    std::uint64_t digit;
+                    v[lane] = byRadix.divide(v[lane], digit);
+                    out[lane * k + i] = std::uint32_t(digit);
+                }
+        }
+        for (; j < chunks.size(); ++j) {
+            std::uint64_t v = chunks[j], digit;
+            for (unsigned i = 0; i < k; ++i) {
+                v = byRadix.divide(v, digit);
+                *out++ = std::uint32_t(digit);
+            }
+        }
+    }
+    while (!digits.empty() && digits.back() == 0) digits.pop_back();
+    return digits;
+}
+
+}  // namespace
+
+template <class R>
+void setFromDigits(NumberRecord& x, std::uint32_t sourceRadix, const std::uint32_t* digits, std::size_t count) {
+    dropTextBuffers(x);
+    while (count > 0 && digits[count - 1] == 0) --count;
+    if (count == 0) {
+        setRecordZero(x);
+        return;
+    }
+    // Zero digits at the bottom stay in place: the regrouping paths pass them
+    // at no cost and the tree joins zero runs without multiplying them.
+    const std::uint64_t radixValue = radix::radixValue(sourceRadix);
+    std::vector<Limb> limbs;
+    if (radixValue == 1) {
+        // Every power of 1 is 1: the value is the sum of the digits.
+        u128 sum = 0;
+        for (std::size_t i = 0; i < count; ++i) sum += digits[i];
+        for (; sum != 0; sum /= R::base) limbs.push_back(Limb(sum % R::base));
+    } else if (std::any_of(digits, digits + count, [&](std::uint32_t d) { return d >= radixValue; })) {
+        const std::vector<std::uint32_t> proper = carryExcess(digits, count, radixValue);
+        limbs = limbsOfDigits<R>(radixValue, proper.data(), proper.size());
+    } else {
+        limbs = limbsOfDigits<R>(radixValue, digits, count);
+    }
+    while (!limbs.empty() && limbs.back() == 0) limbs.pop_back();
+    if (terminateRequested() || limbs.empty()) {
+        setRecordZero(x);
+        return;
+    }
+    if (limbs.size() >= UINT32_MAX) {
+        setLastError(kErrTooLarge);
+        setRecordZero(x);
+        return;
+    }
+    const std::uint32_t n = std::uint32_t(limbs.size());
+    resizeStorage(x, n, true);
+    if (x.allocated() < n) return;  // storage exhausted: -3 recorded, x zero
+    std::copy(limbs.begin(), limbs.end(), x.digits);
+    normalizeIndices(x, n);
+}
+
+template <class R>
+std::vector<std::uint32_t> toDigits(const NumberRecord& x, std::uint32_t targetRadix) {
+    if (x.isZero()) return {};
+    if (targetRadix == 1) {
+        setLastError(kErrRadix);
+        return {};
+    }
+    const std::uint64_t radixValue = radix::radixValue(targetRadix);
+    const Limb* limbs = x.digits;
+    const std::size_t n = x.topIndex + 1;
+    std::vector<std::uint32_t> digits;
+    if (regroups<R>(radixValue)) {
+        digits = regroupedDigits<R>(limbs, n, radixValue);
+    } else if (regroups<OtherRadix<R>>(radixValue)) {
+        // A power of the other limb radix's base: a join into that radix
+        // (products only) and a regrouping beat the divisions of a split.
+        const std::vector<Limb> other = radix::joinChunks<OtherRadix<R>>(limbs, n, R::base);
+        digits = regroupedDigits<OtherRadix<R>>(other.data(), other.size(), radixValue);
+    } else {
+        const ChunkRadix c = radix::chunkRadixOf(radixValue);
+        std::vector<std::uint32_t> chunks(chunksBound<R>(n, c.chunk));
+        radix::splitIntoChunks<R>(chunks.data(), chunks.size(), limbs, n, c.chunk);
+        digits = unpackChunks(chunks, c);
+    }
+    while (!digits.empty() && digits.back() == 0) digits.pop_back();
+    if (terminateRequested()) return {};
+    return digits;
+}
+
+template void setFromDigits<DecimalRadix>(NumberRecord&, std::uint32_t, const std::uint32_t*, std::size_t);
+template void setFromDigits<BinaryRadix>(NumberRecord&, std::uint32_t, const std::uint32_t*, std::size_t);
+template std::vector<std::uint32_t> toDigits<DecimalRadix>(const NumberRecord&, std::uint32_t);
+template std::vector<std::uint32_t> toDigits<BinaryRadix>(const NumberRecord&, std::uint32_t);
+
+}  // namespace tw

@@ -1,0 +1,97 @@
+#include "arith/kernels/divide.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "arith/kernels/add_sub.h"
+#include "arith/kernels/divide_newton.h"
+#include "arith/kernels/divide_one_quotient_limb.h"
+#include "arith/kernels/divide_by_limb.h"
+#include "arith/kernels/reciprocal.h"
+#include "frame/error_state.h"
+
+namespace tw::arith {
+
+template <class R>
+void divideMagnitude(Limb* q, Limb* r, const Limb* a, std::size_t an, const Limb* b, std::size_t bn,
+                     const Limb* v, std::size_t p, ProductRule rule, KeptTransforms* kept) {
+    const std::size_t qn = an - bn + 1;
+
+    // Zero limbs at the bottom of B are not divided: the limbs of A beside
+    // them pass into the remainder as they are, and the rest is the quotient
+    // and remainder of the shifted problem.
+    std::size_t low = 0;
+    while (b[low] == 0) ++low;
+    if (r) {
+        std::copy(a, a + low, r);
+        r += low;
+    }
+    a += low;
+    an -= low;
+    b += low;
+    bn -= low;
+
+    const std::size_t al = significantLength(a, an);
+    if (al < bn || (al == bn && compareSameLength(a, b, bn) < 0)) {
+        std::fill(q, q + qn, 0);
+        if (r) {
+            std::copy(a, a + al, r);
+            std::fill(r + al, r + bn, 0);
+        }
+        return;
+    }
+    const std::size_t n = al - bn + 1;  // quotient limbs at most
+    std::fill(q + n, q + qn, 0);
+
+    if (bn == 1) {
+        const Limb rem = divideByLimb<R>(q, a, al, b[0]);
+        if (r) r[0] = rem;
+        return;
+    }
+
+    if (n == 1 || (n == 2 && compareSameLength(a + 1, b, bn) < 0)) {
+        // The quotient is a single limb.
+        std::vector<Limb> scratch;
+        Limb* rem = r;
+        if (!rem) {
+            scratch.resize(bn);
+            rem = scratch.data();
+        }
+        q[0] = divideOneQuotientLimb<R>(rem, a, al, b, bn);
+        if (n == 2) q[1] = 0;
+        return;
+    }
+
+    // A long quotient.  Without a given reciprocal, one of the quotient's
+    // precision serves a dividend of up to about 2 bn limbs; longer dividends
+    // go in blocks of bn (at least kMinBlockQuotientLimbs) quotient limbs.
+    std::vector<Limb> own;
+    if (!v) {
+        p = std::min(n, blockPrecision(bn));
+        if (n <= bn + 1 && n >= 2 * kMinBlockQuotientLimbs && n <= kHalfReciprocalMaxQuotientLimbs)
+            p = (n + 1) / 2 + 1;
+        own.resize(reciprocalLimbs(p));
+        reciprocal<R>(own.data(), b, bn, p, rule);
+        if (terminateRequested()) return;
+        v = own.data();
+    }
+    if (n <= p)
+        divideByReciprocal<R>(q, n, r, a, al, b, bn, v, p, rule, kept);
+    else
+        divideInBlocks<R>(q, r, a, al, b, bn, v, p, rule);
+}
+
+template <class R>
+void divide(Limb* q, Limb* r, const Limb* a, std::size_t an, const Limb* b, std::size_t bn) {
+    if (terminateRequested()) return;
+    divideMagnitude<R>(q, r, a, an, b, bn, nullptr, 0);
+}
+
+template void divideMagnitude<DecimalRadix>(Limb*, Limb*, const Limb*, std::size_t, const Limb*, std::size_t,
+                                            const Limb*, std::size_t, ProductRule, KeptTransforms*);
+template void divideMagnitude<BinaryRadix>(Limb*, Limb*, const Limb*, std::size_t, const Limb*, std::size_t,
+                                           const Limb*, std::size_t, ProductRule, KeptTransforms*);
+template void divide<DecimalRadix>(Limb*, Limb*, const Limb*, std::size_t, const Limb*, std::size_t);
+template void divide<BinaryRadix>(Limb*, Limb*, const Limb*, std::size_t, const Limb*, std::size_t);
+
+}  // namespace tw::arith

@@ -1,0 +1,152 @@
+// Column-wise schoolbook product: the bottom rung of the ladder, and the
+// column accumulator it shares with the basecase square.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "arith/kernels/radix_traits.h"
+#include "frame/radix.h"
+
+namespace tw::arith {
+
+// Running state of a column-by-column product.  `acc` is the 64-bit sum of the
+// current column; what settle() takes out of it is owed, in limb units, to the
+// column two places up (`owedTwoUp`), and one column later that becomes
+// `owedNext`.
+template <class R>
+struct ColumnSum {
+    std::uint64_t acc = 0;
+    std::uint64_t owedNext = 0;
+    std::uint64_t owedTwoUp = 0;
+
+    // acc += x[0]*y[0] + x[1]*y[-1] + ... + x[count-1]*y[-(count-1)]: the
+    // products of one column, L read upwards and S downwards.
+    void add(const Limb* x, const Limb* y, std::size_t count) {
+        using T = MulTraits<R>;
+        if constexpr (T::kProductsPerSettle == 1) {
+            // Settle after every product; four at a time to keep the loop tight.
+            std::size_t t = 0;
+            for (; t + 4 <= count; t += 4) {
+                acc += std::uint64_t(x[t]) * y[-std::ptrdiff_t(t)];
+                T::settle(acc, owedTwoUp);
+                acc += std::uint64_t(x[t + 1]) * y[-std::ptrdiff_t(t + 1)];
+                T::settle(acc, owedTwoUp);
+                acc += std::uint64_t(x[t + 2]) * y[-std::ptrdiff_t(t + 2)];
+                T::settle(acc, owedTwoUp);
+                acc += std::uint64_t(x[t + 3]) * y[-std::ptrdiff_t(t + 3)];
+                T::settle(acc, owedTwoUp);
+            }
+            for (; t < count; ++t) {
+                acc += std::uint64_t(x[t]) * y[-std::ptrdiff_t(t)];
+                T::settle(acc, owedTwoUp);
+            }
+        } else {
+            // Whole blocks of products between settles.
+            while (count > 0) {
+                const std::size_t n = count < T::kProductsPerSettle ? count : T::kProductsPerSettle;
+                std::uint64_t block = 0;
+                for (std::size_t t = 0; t < n; ++t) block += std::uint64_t(x[t]) * y[-std::ptrdiff_t(t)];
+                acc += block;
+                T::settle(acc, owedTwoUp);
+                x += n;
+                y -= n;
+                count -= n;
+            }
+        }
+    }
+
+    // Ends the column: returns its limb and starts the next column with the
+    // carry and whatever was owed to it.
+    Limb finish() {
+        using T = MulTraits<R>;
+        const Limb limb = T::low(acc);
+        acc = T::high(acc) + owedNext;
+        owedNext = owedTwoUp;
+        owedTwoUp = 0;
+        return limb;
+    }
+};
+
+// out[0 .. l+s) := L[0..l) * S[0..s), l >= s >= 1, out overlapping neither.
+// Column c of the result sums L[i]*S[c-i] in one 64-bit accumulator (see
+// MulTraits for how it is kept from overflowing), so there is no carry
+// handling per product: l*s products and one division per column.  Portable.
+template <class R>
+void mulBasecaseColumns(Limb* out, const Limb* L, std::size_t l, const Limb* S, std::size_t s) {
+    ColumnSum<R> col;
+    for (std::size_t c = 0; c + 1 < l + s; ++c) {
+        const std::size_t first = c < s ? 0 : c - s + 1;
+        const std::size_t last = c < l ? c : l - 1;
+        col.add(L + first, S + (c - first), last - first + 1);
+        out[c] = col.finish();
+    }
+    out[l + s - 1] = Limb(col.acc);
+}
+
+// The longest shorter operand (and square) the vector kernels take.
+inline constexpr std::size_t kLaneKernelMax = 128;
+
+// Whether this processor runs the 256-bit kernels (x86-64 with AVX2).
+bool laneKernelsAvailable();
+// Whether this processor runs the 512-bit kernels (x86-64 with AVX-512F).
+bool wideLaneKernelsAvailable();
+
+// mulBasecaseColumns summed four columns at a time in 256-bit lanes, with the
+// same settling rule per lane: same contract, s <= kLaneKernelMax, and only
+// where laneKernelsAvailable() (elsewhere it is mulBasecaseColumns).
+template <class R>
+void mulBasecaseLanes(Limb* out, const Limb* L, std::size_t l, const Limb* S, std::size_t s);
+
+// The same sixteen columns at a time in two 512-bit accumulators: same
+// contract, s <= kLaneKernelMax, only where wideLaneKernelsAvailable().
+template <class R>
+void mulBasecaseWideLanes(Limb* out, const Limb* L, std::size_t l, const Limb* S, std::size_t s);
+
+// Which basecase kernels the product and square use.
+enum class BasecasePath { Auto, Columns, Lanes, WideLanes };
+
+// True when this processor runs the path (Auto and Columns always).
+bool basecasePathSupported(BasecasePath path);
+
+// Test seam: pins every later basecase product and square to `path` (Auto
+// restores the choice by processor features).  A path the processor does not
+// run is ignored.  Not meant to be changed while another thread multiplies.
+void forceBasecasePathForTesting(BasecasePath path);
+
+// The forced path, or Auto.
+BasecasePath forcedBasecasePath();
+
+// Where the 512-bit kernels are used when no path is forced: from this many
+// limbs of the shorter operand (or, second, of the square's), radix 2^28
+// only.  Below it the wider blocks waste more of their padding and ragged
+// rows than they gain (measured even at 8 limbs, ahead from 12).  For radix
+// 10^9 the compare after every addition settles one lane in about 70
+// additions, so eight lanes a compare mispredict too often; there the 256-bit
+// kernels are measured faster.
+inline constexpr std::size_t kWideLanesMin = 12;
+inline constexpr std::size_t kWideLanesSqrMin = 12;
+
+// The path for a basecase of shorter operand s (wideMin: kWideLanesMin for
+// a product, kWideLanesSqrMin for a square): the forced one, else the fastest
+// this processor runs for the radix and the length.
+template <class R>
+BasecasePath basecasePathFor(std::size_t s, std::size_t wideMin = kWideLanesMin) {
+    if (s > kLaneKernelMax) return BasecasePath::Columns;
+    const BasecasePath forced = forcedBasecasePath();
+    if (forced != BasecasePath::Auto) return forced;
+    if (R::isBinary && s >= wideMin && wideLaneKernelsAvailable()) return BasecasePath::WideLanes;
+    return laneKernelsAvailable() ? BasecasePath::Lanes : BasecasePath::Columns;
+}
+
+// The basecase rung: the vector kernel the processor has.
+template <class R>
+void mulBasecase(Limb* out, const Limb* L, std::size_t l, const Limb* S, std::size_t s) {
+    switch (basecasePathFor<R>(s)) {
+        case BasecasePath::WideLanes: mulBasecaseWideLanes<R>(out, L, l, S, s); return;
+        case BasecasePath::Lanes: mulBasecaseLanes<R>(out, L, l, S, s); return;
+        default: mulBasecaseColumns<R>(out, L, l, S, s); return;
+    }
+}
+
+}  // namespace tw::arith

@@ -1,0 +1,60 @@
+#include "arith/kernels/mul_scratch.h"
+
+#include <algorithm>
+
+#if defined(__SANITIZE_ADDRESS__)
+#include <sanitizer/asan_interface.h>
+#define TW_SCRATCH_POISON(p, n) ASAN_POISON_MEMORY_REGION((p), (n) * sizeof(Limb))
+#define TW_SCRATCH_UNPOISON(p, n) ASAN_UNPOISON_MEMORY_REGION((p), (n) * sizeof(Limb))
+#else
+#define TW_SCRATCH_POISON(p, n) ((void)(p), (void)(n))
+#define TW_SCRATCH_UNPOISON(p, n) ((void)(p), (void)(n))
+#endif
+
+namespace tw::arith {
+
+namespace {
+// Limbs left poisoned after each buffer (none outside AddressSanitizer builds).
+#if defined(__SANITIZE_ADDRESS__)
+constexpr std::size_t kGuard = 4;
+#else
+constexpr std::size_t kGuard = 0;
+#endif
+}  // namespace
+
+LimbScratch::~LimbScratch() {
+    for (Block& b : blocks_) TW_SCRATCH_UNPOISON(b.data.get(), b.size);
+}
+
+Limb* LimbScratch::take(std::size_t n) {
+    const std::size_t need = n + kGuard;
+    while (current_ < blocks_.size() && blocks_[current_].size - used_ < need) {
+        ++current_;
+        used_ = 0;
+    }
+    if (current_ == blocks_.size()) {
+        // Grow geometrically so that a poor estimate costs few extra blocks.
+        const std::size_t last = blocks_.empty() ? 0 : blocks_.back().size;
+        const std::size_t size = std::max({need, 2 * last, expected_, std::size_t(256)});
+        blocks_.push_back(Block{std::unique_ptr<Limb[]>(new Limb[size]), size});
+        TW_SCRATCH_POISON(blocks_.back().data.get(), size);
+        used_ = 0;
+    }
+    Limb* p = blocks_[current_].data.get() + used_;
+    TW_SCRATCH_UNPOISON(p, n);
+    used_ += need;
+    return p;
+}
+
+void LimbScratch::release(std::size_t block, std::size_t used) {
+    if (blocks_.empty()) return;
+    // Everything handed out after (block, used) becomes free (and poisoned) again.
+    for (std::size_t i = block; i <= current_ && i < blocks_.size(); ++i) {
+        const std::size_t from = i == block ? used : 0;
+        TW_SCRATCH_POISON(blocks_[i].data.get() + from, blocks_[i].size - from);
+    }
+    current_ = block;
+    used_ = used;
+}
+
+}  // namespace tw::arith

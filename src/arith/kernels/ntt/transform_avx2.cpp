@@ -1,0 +1,32 @@
+// The AVX2 path.  Everything not written over the register type is included
+// before the target switch, so only the AVX2 instantiations of the kernels
+// carry the AVX2 target; the dispatcher calls them only on CPUs that have it.
+#include <immintrin.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+
+#include "arith/kernels/ntt/kernel_table.h"
+#include "arith/kernels/ntt/prime_field.h"
+#include "arith/kernels/ntt/roots_of_unity.h"
+#include "arith/kernels/ntt/transform_plan.h"
+
+#pragma GCC push_options
+#pragma GCC target("avx2")
+
+#include "arith/kernels/ntt/lanes_avx2.h"
+#include "arith/kernels/ntt/modular_lanes.h"
+#include "arith/kernels/ntt/transform_kernels.h"
+
+namespace tw::arith::ntt {
+namespace {
+constexpr TransformKernels kAvx2Kernels = makeKernels<Avx2Lanes>();
+}
+}  // namespace tw::arith::ntt
+
+#pragma GCC pop_options
+
+namespace tw::arith::ntt {
+const TransformKernels& avx2Kernels() { return kAvx2Kernels; }
+}  // namespace tw::arith::ntt

@@ -1,0 +1,111 @@
+// Signed addition and subtraction in place, and the operations with one
+// 32-bit machine operand, on sign-magnitude numbers of either radix.
+#pragma once
+
+#include <cstdint>
+
+#include "arith/numbers/magnitude.h"
+#include "frame/machine_int.h"
+#include "frame/signed_number.h"
+
+namespace tw::arith {
+
+// x += (ySignFlip * y) in place; x and y are distinct objects (the call frame
+// sends equal operands elsewhere).  ySign is y's sign, possibly negated for
+// subtraction.
+template <class R>
+void addSignedInPlace(SignedNumber<R>& x, const SignedNumber<R>& y, std::int32_t ySign) {
+    if (&x == &y || ySign == 0) return;
+    if (x.sign == 0) {
+        x = y;
+        x.sign = ySign;
+        return;
+    }
+    if (x.sign == ySign) {
+        addMagnitudeInPlace<R>(x.rec(), y.rec());
+    } else {
+        const int c = compareMagnitude(x.rec(), y.rec());
+        if (c == 0) {
+            x.setZero();
+            return;
+        }
+        if (c > 0) {
+            subtractMagnitudeInPlace<R>(x.rec(), y.rec());
+        } else {
+            x.negate();
+            reverseSubtractMagnitude<R>(x.rec(), y.rec());
+        }
+    }
+    x.normalizeSign();
+}
+
+template <class R>
+void addInPlace(SignedNumber<R>& x, const SignedNumber<R>& y) { addSignedInPlace(x, y, y.sign); }
+template <class R>
+void subtractInPlace(SignedNumber<R>& x, const SignedNumber<R>& y) { addSignedInPlace(x, y, -y.sign); }
+
+// x *= m for a signed machine integer m (doubling uses m = 2).
+template <class R>
+void multiplyBySigned(SignedNumber<R>& x, std::int64_t m) {
+    if (x.isZero() || m == 1) return;
+    if (m == 0) {
+        x.setZero();
+        return;
+    }
+    if (m < 0) x.negate();
+    if (m != 1 && m != -1) multiplyMagnitudeByWord<R>(x.rec(), std::uint32_t(m < 0 ? -m : m));
+    x.normalizeSign();
+}
+
+// |x| := n - |x| for |x| < n, as a fresh magnitude.
+template <class R>
+void reverseSubtractWord(SignedNumber<R>& x, std::uint32_t n) {
+    const std::uint64_t magnitude = magnitudeU64(x).value_or(0);
+    setMagnitudeWord<R>(x.rec(), n - magnitude);
+}
+
+// x + direction * n for direction +1 or -1.  When x has the other sign and a
+// smaller magnitude than n, the magnitude becomes n - |x| but the sign stays:
+// -5 + 7 gives -2 and 3 - 5 gives 2.  The library has always behaved so, and
+// callers rely on it.  Zero becomes direction * n.
+template <class R>
+void offsetByWord(SignedNumber<R>& x, std::uint32_t n, std::int32_t direction) {
+    if (n == 0) return;
+    if (x.sign == 0) {
+        setMagnitude64(x, direction, n);
+        return;
+    }
+    if (x.sign == direction) {
+        addMagnitudeInPlace<R>(x.rec(), wordRecord<R>(n));
+    } else {
+        const int c = compareMagnitudeU32(x, n);
+        if (c == 0) {
+            x.setZero();
+            return;
+        }
+        if (c > 0)
+            subtractMagnitudeInPlace<R>(x.rec(), wordRecord<R>(n));
+        else
+            reverseSubtractWord(x, n);  // the sign is kept
+    }
+    x.normalizeSign();
+}
+
+template <class R>
+void addWord(SignedNumber<R>& x, std::uint32_t n) { offsetByWord(x, n, 1); }
+template <class R>
+void subtractWord(SignedNumber<R>& x, std::uint32_t n) { offsetByWord(x, n, -1); }
+
+// x * n with n taken as unsigned.
+template <class R>
+void multiplyByWord(SignedNumber<R>& x, std::uint32_t n) {
+    if (x.isZero() || n == 1) return;
+    if (n == 0) {
+        x.setZero();
+        return;
+    }
+    multiplyMagnitudeByWord<R>(x.rec(), n);
+    x.normalizeSign();
+}
+
+}  // namespace tw::arith

@@ -1,0 +1,101 @@
+// Division of numbers: quotients truncated toward zero, remainders with the
+// dividend's sign, except divideByInt32 whose remainder follows the quotient.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "arith/kernels/divide.h"
+#include "arith/kernels/divide_by_limb.h"
+#include "arith/numbers/magnitude.h"
+#include "frame/machine_int.h"
+#include "frame/signed_number.h"
+
+namespace tw::arith {
+
+// Q := |A| div |B|, R := |A| mod |B| (R may be null).  Q and R are records of
+// their own, distinct from A and B; B is not zero.
+template <class R>
+void divideMagnitudes(NumberRecord& q, NumberRecord* r, const NumberRecord& a, const NumberRecord& b) {
+    if (terminateRequested()) {
+        setRecordZero(q);
+        return;
+    }
+    const int c = compareMagnitude(a, b);
+    if (c <= 0) {
+        if (r) {
+            if (c < 0) *r = a;
+            else setRecordZero(*r);
+        }
+        if (c < 0) setRecordZero(q);
+        else setMagnitudeWord<R>(q, 1);
+        return;
+    }
+    const std::size_t an = a.topIndex + 1, bn = b.topIndex + 1;
+    NumberRecord quotient, remainder;
+    if (!prepareResult(quotient, an - bn + 1) || (r && !prepareResult(remainder, bn))) {
+        setRecordZero(q);
+        return;
+    }
+    if (bn == 1) {
+        const Limb rest = divideByLimb<R>(quotient.digits, a.digits, an, b.digits[0]);
+        if (r) remainder.digits[0] = rest;
+    } else {
+        divide<R>(quotient.digits, r ? remainder.digits : nullptr, a.digits, an, b.digits, bn);
+    }
+    if (terminateRequested()) {
+        setRecordZero(q);
+        return;
+    }
+    installResult(q, std::move(quotient), an - bn + 1);
+    if (r) installResult(*r, std::move(remainder), bn);
+}
+
+// q := a / b truncated, r := a - q*b with a's sign (r may be null).  q, r, a, b
+// are distinct objects.  A zero divisor records -5 and leaves q and r alone.
+template <class R>
+void divideSigned(SignedNumber<R>& q, SignedNumber<R>* r, const SignedNumber<R>& a, const SignedNumber<R>& b) {
+    if (b.isZero()) {
+        setLastError(kErrDivZero);
+        return;
+    }
+    if (r) r->setZero();
+    if (a.isZero()) {
+        q.setZero();
+        return;
+    }
+    divideMagnitudes<R>(q.rec(), r ? &r->rec() : nullptr, a.rec(), b.rec());
+    q.sign = a.sign * b.sign;
+    q.normalizeSign();
+    if (r) {
+        r->sign = a.sign;
+        r->normalizeSign();
+    }
+}
+
+// q := a / d truncated for a signed 32-bit d, returning the remainder |a| mod |d|
+// with the sign of the quotient as it stands before a zero quotient loses its
+// sign: -7 / -2 = 3 rem 1, 7 / -2 = -3 rem -1, 1 / -2 = 0 rem -1.  This
+// convention is this operation's own and differs from divideSigned.
+// Returns nothing for a zero divisor (-5 recorded, q made zero).
+template <class R>
+std::optional<std::int32_t> divideByInt32(SignedNumber<R>& q, const SignedNumber<R>& a, std::int32_t d) {
+    if (d == 0) {
+        setLastError(kErrDivZero);
+        q.setZero();
+        return std::nullopt;
+    }
+    q = a;
+    if (q.isZero()) return 0;
+    if (d < 0) q.negate();
+    const std::uint32_t divisor = d < 0 ? 0u - std::uint32_t(d) : std::uint32_t(d);
+    NumberRecord& rec = q.rec();
+    dropTextBuffers(rec);
+    const std::int32_t rest = std::int32_t(divideByLimb<R>(rec.digits, rec.digits, rec.topIndex + 1, divisor));
+    normalizeIndices(rec, rec.topIndex + 1);
+    const std::int32_t remainder = q.sign > 0 ? rest : -rest;
+    q.normalizeSign();
+    return remainder;
+}
+
+}  // namespace tw::arith
