@@ -8,6 +8,7 @@
 #include "arith/kernels/divide_newton.h"
 #include "arith/kernels/ntt/cyclic_multiply.h"
 #include "arith/kernels/ntt/transform_dispatch.h"
+#include "frame/kernel_paths.h"
 #include "arith/kernels/reciprocal.h"
 #include "arith/tuning.h"
 #include "division/division_check.h"
@@ -141,12 +142,12 @@ TYPED_TEST(KeptTransformsTest, KeptAcrossTransformPaths) {
     const Limbs d = gen.limbs<R>(400);
     const std::size_t p = 420;
     KeptTransforms kept;
-    for (const auto path : {ntt::TransformPath::Scalar, ntt::TransformPath::Avx2, ntt::TransformPath::Avx512,
-                            ntt::TransformPath::Scalar}) {
-        if (!ntt::transformPathSupported(path)) continue;
-        ntt::forceTransformPathForTesting(path);
+    for (const auto path : {tw::KernelPath::Portable, tw::KernelPath::Avx2, tw::KernelPath::Avx512,
+                            tw::KernelPath::Portable}) {
+        if (!tw::processorRuns(path)) continue;
+        tw::forceKernelPathForTesting(path);
         runKeptDivisions<R>(gen, d, p, 1, {p - 1, p - 2}, kept);
-        ntt::forceTransformPathForTesting(ntt::TransformPath::Auto);
+        tw::resetKernelPath();
         if (::testing::Test::HasFatalFailure()) return;
     }
 }

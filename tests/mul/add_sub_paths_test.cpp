@@ -22,26 +22,26 @@ namespace {
 
 using namespace twtest;
 using tw::Limb;
-using tw::arith::AddSubPath;
+using AddSubPath = tw::KernelPath;
 
 template <class R>
 class AddSubPaths : public ::testing::Test {
 protected:
-    void TearDown() override { tw::arith::forceAddSubPathForTesting(AddSubPath::Auto); }
+    void TearDown() override { tw::resetKernelPath(); }
 };
 TYPED_TEST_SUITE(AddSubPaths, Radices);
 
 std::vector<AddSubPath> supportedPaths() {
     std::vector<AddSubPath> paths;
-    for (const AddSubPath p : {AddSubPath::Portable, AddSubPath::Wide, AddSubPath::Auto})
-        if (tw::arith::addSubPathSupported(p)) paths.push_back(p);
+    for (const AddSubPath p : {AddSubPath::Portable, AddSubPath::Avx512})
+        if (tw::processorRuns(p)) paths.push_back(p);
     return paths;
 }
 
 const char* pathName(AddSubPath p) {
     switch (p) {
         case AddSubPath::Portable: return "portable";
-        case AddSubPath::Wide: return "wide";
+        case AddSubPath::Avx512: return "wide";
         default: return "auto";
     }
 }
@@ -164,7 +164,7 @@ void expectOp(Op op, Alias alias, const Limbs& a, const Limbs& bIn, Limb carry, 
 TYPED_TEST(AddSubPaths, RandomSpansMatchPortableLoopsAndGmp) {
     using R = TypeParam;
     for (const AddSubPath path : supportedPaths()) {
-        tw::arith::forceAddSubPathForTesting(path);
+        tw::forceKernelPathForTesting(path);
         LimbGenerator gen(211);
         for (const std::size_t n : lengths()) {
             for (const Op op : kOps) {
@@ -182,7 +182,7 @@ TYPED_TEST(AddSubPaths, RandomSpansMatchPortableLoopsAndGmp) {
 TYPED_TEST(AddSubPaths, EveryAliasingOfTheResult) {
     using R = TypeParam;
     for (const AddSubPath path : supportedPaths()) {
-        tw::arith::forceAddSubPathForTesting(path);
+        tw::forceKernelPathForTesting(path);
         LimbGenerator gen(212);
         for (const std::size_t n : lengths()) {
             for (const Op op : kOps) {
@@ -203,7 +203,7 @@ TYPED_TEST(AddSubPaths, EveryAliasingOfTheResult) {
 TYPED_TEST(AddSubPaths, CarriesAndBorrowsRippleThroughWholeSpans) {
     using R = TypeParam;
     for (const AddSubPath path : supportedPaths()) {
-        tw::arith::forceAddSubPathForTesting(path);
+        tw::forceKernelPathForTesting(path);
         for (const std::size_t n : lengths()) {
             const Limbs top = LimbGenerator::maxLimbs<R>(n), zero(n, 0);
             Limbs one(n, 0);
@@ -231,7 +231,7 @@ TYPED_TEST(AddSubPaths, CarriesAndBorrowsRippleThroughWholeSpans) {
 TYPED_TEST(AddSubPaths, CarryBornInEveryLaneStopsWhereTheRunEnds) {
     using R = TypeParam;
     for (const AddSubPath path : supportedPaths()) {
-        tw::arith::forceAddSubPathForTesting(path);
+        tw::forceKernelPathForTesting(path);
         for (const std::size_t n : {16u, 37u, 48u, 64u}) {
             for (std::size_t born = 0; born < n; ++born) {
                 for (const std::size_t stop : {born + 1, born + 2, born + 17, n}) {
@@ -283,7 +283,7 @@ TYPED_TEST(AddSubPaths, NoAccessPastEitherEndOfTheSpans) {
     GuardedPages pages;
     ASSERT_TRUE(pages.ok());
     for (const AddSubPath path : supportedPaths()) {
-        tw::arith::forceAddSubPathForTesting(path);
+        tw::forceKernelPathForTesting(path);
         LimbGenerator gen(213);
         for (const std::size_t n : lengths()) {
             if (n > pages.capacity()) continue;
@@ -313,7 +313,7 @@ TYPED_TEST(AddSubPaths, NoAccessPastEitherEndOfTheSpans) {
 TYPED_TEST(AddSubPaths, UnequalSpansAndInPlaceHelpers) {
     using R = TypeParam;
     for (const AddSubPath path : supportedPaths()) {
-        tw::arith::forceAddSubPathForTesting(path);
+        tw::forceKernelPathForTesting(path);
         LimbGenerator gen(214);
         for (const std::size_t bn : {15u, 16u, 17u, 40u, 129u}) {
             for (const std::size_t extra : {0u, 1u, 18u}) {
@@ -344,7 +344,7 @@ TYPED_TEST(AddSubPaths, UnequalSpansAndInPlaceHelpers) {
 TYPED_TEST(AddSubPaths, LadderProductsOnEachPath) {
     using R = TypeParam;
     for (const AddSubPath path : supportedPaths()) {
-        tw::arith::forceAddSubPathForTesting(path);
+        tw::forceKernelPathForTesting(path);
         LimbGenerator gen(215);
         for (const auto& [l, s] : {std::pair<std::size_t, std::size_t>{65, 65}, {100, 71}, {150, 149}, {193, 193},
                                    {260, 200}, {300, 120}, {450, 449}, {511, 300}}) {

@@ -16,28 +16,28 @@ namespace {
 
 using namespace twtest;
 using tw::Limb;
-using tw::arith::BasecasePath;
+using BasecasePath = tw::KernelPath;
 using tw::arith::kLaneKernelMax;
 
 template <class R>
 class BasecasePaths : public ::testing::Test {
 protected:
-    void TearDown() override { tw::arith::forceBasecasePathForTesting(BasecasePath::Auto); }
+    void TearDown() override { tw::resetKernelPath(); }
 };
 TYPED_TEST_SUITE(BasecasePaths, Radices);
 
 std::vector<BasecasePath> supportedPaths() {
     std::vector<BasecasePath> paths;
-    for (const BasecasePath p : {BasecasePath::Columns, BasecasePath::Lanes, BasecasePath::WideLanes})
-        if (tw::arith::basecasePathSupported(p)) paths.push_back(p);
+    for (const BasecasePath p : {BasecasePath::Portable, BasecasePath::Avx2, BasecasePath::Avx512})
+        if (tw::processorRuns(p)) paths.push_back(p);
     return paths;
 }
 
 const char* pathName(BasecasePath p) {
     switch (p) {
-        case BasecasePath::Columns: return "columns";
-        case BasecasePath::Lanes: return "lanes";
-        case BasecasePath::WideLanes: return "wide lanes";
+        case BasecasePath::Portable: return "columns";
+        case BasecasePath::Avx2: return "lanes";
+        case BasecasePath::Avx512: return "wide lanes";
         default: return "auto";
     }
 }
@@ -61,7 +61,7 @@ Limbs columnsSquare(const Limbs& a) {
 // (every `oracleEvery`-th case, to keep the run short).
 template <class R>
 void expectRungProduct(BasecasePath path, const Limbs& L, const Limbs& S, bool withOracle) {
-    tw::arith::forceBasecasePathForTesting(path);
+    tw::forceKernelPathForTesting(path);
     const Limbs got = runKernel(L.size() + S.size(), [&](Limb* out) {
         tw::arith::mulBasecase<R>(out, L.data(), L.size(), S.data(), S.size());
     });
@@ -71,7 +71,7 @@ void expectRungProduct(BasecasePath path, const Limbs& L, const Limbs& S, bool w
 
 template <class R>
 void expectRungSquare(BasecasePath path, const Limbs& a, bool withOracle) {
-    tw::arith::forceBasecasePathForTesting(path);
+    tw::forceKernelPathForTesting(path);
     const Limbs got = runKernel(2 * a.size(), [&](Limb* out) { tw::arith::sqrBasecase<R>(out, a.data(), a.size()); });
     ASSERT_EQ(got, columnsSquare<R>(a)) << pathName(path) << ": square of " << a.size();
     if (withOracle) EXPECT_TRUE(isProduct<R>(got, a, a)) << pathName(path);
@@ -141,7 +141,7 @@ TYPED_TEST(BasecasePaths, NearlyMaximalLimbs) {
 TYPED_TEST(BasecasePaths, LadderOnEveryPath) {
     using R = TypeParam;
     for (const BasecasePath path : supportedPaths()) {
-        tw::arith::forceBasecasePathForTesting(path);
+        tw::forceKernelPathForTesting(path);
         LimbGenerator gen(104);
         for (const std::size_t n : {8u, 33u, 64u, 65u, 100u, 129u, 192u, 193u, 300u, 511u}) {
             const Limbs a = gen.limbs<R>(n), b = gen.limbs<R>(n + n / 3);
@@ -164,7 +164,7 @@ TYPED_TEST(BasecasePaths, LadderOnEveryPath) {
 TYPED_TEST(BasecasePaths, WideBasecaseLadderOnEveryPath) {
     using R = TypeParam;
     for (const BasecasePath path : supportedPaths()) {
-        tw::arith::forceBasecasePathForTesting(path);
+        tw::forceKernelPathForTesting(path);
         LimbGenerator gen(105);
         for (const std::size_t n : {11u, 12u, 64u, 65u, 127u, 128u, 129u, 192u, 193u, 256u, 300u}) {
             for (const std::size_t l : {n, n + n / 3, 5 * n + 7}) {
@@ -184,13 +184,14 @@ TYPED_TEST(BasecasePaths, WideBasecaseLadderOnEveryPath) {
 }
 
 TEST(BasecasePathSeam, ForcingFollowsTheProcessor) {
-    EXPECT_TRUE(tw::arith::basecasePathSupported(BasecasePath::Columns));
-    tw::arith::forceBasecasePathForTesting(BasecasePath::Columns);
-    EXPECT_EQ(tw::arith::basecasePathFor<tw::DecimalRadix>(64), BasecasePath::Columns);
+    EXPECT_TRUE(tw::processorRuns(BasecasePath::Portable));
+    tw::forceKernelPathForTesting(BasecasePath::Portable);
+    EXPECT_EQ(tw::arith::basecasePathFor<tw::DecimalRadix>(64), BasecasePath::Portable);
     // Above the kernels' reach the path is the column sums whatever is forced.
-    EXPECT_EQ(tw::arith::basecasePathFor<tw::DecimalRadix>(kLaneKernelMax + 1), BasecasePath::Columns);
-    tw::arith::forceBasecasePathForTesting(BasecasePath::Auto);
-    EXPECT_EQ(tw::arith::forcedBasecasePath(), BasecasePath::Auto);
+    EXPECT_EQ(tw::arith::basecasePathFor<tw::DecimalRadix>(kLaneKernelMax + 1), BasecasePath::Portable);
+    tw::resetKernelPath();
+    EXPECT_FALSE(tw::kernelChoice().forced);
+    EXPECT_EQ(tw::kernelChoice().path, tw::widestKernelPath());
 }
 
 }  // namespace

@@ -31,8 +31,8 @@ template <class R>
 std::vector<std::pair<const char*, ProductKernel<R>>> productKernels() {
     std::vector<std::pair<const char*, ProductKernel<R>>> k = {{"columns", tw::arith::mulBasecaseColumns<R>},
                                                                {"rung", tw::arith::mulBasecase<R>}};
-    if (tw::arith::laneKernelsAvailable()) k.push_back({"lanes", tw::arith::mulBasecaseLanes<R>});
-    if (tw::arith::wideLaneKernelsAvailable()) k.push_back({"wide lanes", tw::arith::mulBasecaseWideLanes<R>});
+    if (tw::processorRuns(tw::KernelPath::Avx2)) k.push_back({"lanes", tw::arith::mulBasecaseLanes<R>});
+    if (tw::processorRuns(tw::KernelPath::Avx512)) k.push_back({"wide lanes", tw::arith::mulBasecaseWideLanes<R>});
     return k;
 }
 
@@ -43,12 +43,12 @@ std::vector<std::pair<const char*, TriangleKernel<R>>> squareKernels() {
                      tw::arith::sqrTriangleColumns<R>(out, a, n);
                      tw::arith::addDoubledDiagonal<R>(out, a, n);
                  }});
-    if (tw::arith::laneKernelsAvailable())
+    if (tw::processorRuns(tw::KernelPath::Avx2))
         k.push_back({"lanes", [](Limb* out, const Limb* a, std::size_t n) {
                          tw::arith::sqrTriangleLanes<R>(out, a, n);
                          tw::arith::addDoubledDiagonal<R>(out, a, n);
                      }});
-    if (tw::arith::wideLaneKernelsAvailable())
+    if (tw::processorRuns(tw::KernelPath::Avx512))
         k.push_back({"wide lanes", [](Limb* out, const Limb* a, std::size_t n) {
                          tw::arith::sqrTriangleWideLanes<R>(out, a, n);
                          tw::arith::addDoubledDiagonal<R>(out, a, n);

@@ -15,6 +15,7 @@
 #include "arith/kernels/ntt/roots.h"
 #include "arith/kernels/ntt/roots_of_unity.h"
 #include "arith/kernels/ntt/transform_dispatch.h"
+#include "frame/kernel_paths.h"
 #include "arith/kernels/ntt/transform_lengths.h"
 
 namespace twtest {
@@ -24,25 +25,25 @@ namespace ntt = tw::arith::ntt;
 
 struct PathCase {
     const char* name;
-    ntt::TransformPath path;
+    tw::KernelPath path;
     const ntt::TransformKernels* kernels;
 };
 
 // Every code path this CPU supports, portable first.
 inline std::vector<PathCase> supportedPaths() {
-    std::vector<PathCase> paths{{"scalar", ntt::TransformPath::Scalar, &ntt::scalarKernels()}};
-    if (ntt::transformPathSupported(ntt::TransformPath::Avx2))
-        paths.push_back({"avx2", ntt::TransformPath::Avx2, &ntt::avx2Kernels()});
-    if (ntt::transformPathSupported(ntt::TransformPath::Avx512))
-        paths.push_back({"avx512", ntt::TransformPath::Avx512, &ntt::avx512Kernels()});
+    std::vector<PathCase> paths{{"scalar", tw::KernelPath::Portable, &ntt::scalarKernels()}};
+    if (tw::processorRuns(tw::KernelPath::Avx2))
+        paths.push_back({"avx2", tw::KernelPath::Avx2, &ntt::avx2Kernels()});
+    if (tw::processorRuns(tw::KernelPath::Avx512))
+        paths.push_back({"avx512", tw::KernelPath::Avx512, &ntt::avx512Kernels()});
     return paths;
 }
 
 // Pins the path for the lifetime of the object.
 class ForcedPath {
 public:
-    explicit ForcedPath(ntt::TransformPath path) { ntt::forceTransformPathForTesting(path); }
-    ~ForcedPath() { ntt::forceTransformPathForTesting(ntt::TransformPath::Auto); }
+    explicit ForcedPath(tw::KernelPath path) { tw::forceKernelPathForTesting(path); }
+    ~ForcedPath() { tw::resetKernelPath(); }
     ForcedPath(const ForcedPath&) = delete;
     ForcedPath& operator=(const ForcedPath&) = delete;
 };

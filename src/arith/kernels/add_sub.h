@@ -3,27 +3,17 @@
 // may alias.
 #pragma once
 
-#include <atomic>
 #include <cstddef>
 #include <cstdint>
 
+#include "frame/kernel_paths.h"
 #include "frame/radix.h"
 
 namespace tw::arith {
 
-// Which kernels add and subtract spans of equal length: the scalar loops
-// below, or the 512-bit carry-lookahead kernels (add_sub_avx512.cpp).
-enum class AddSubPath { Auto, Portable, Wide };
-
-// Whether this processor runs the 512-bit kernels (x86-64 with AVX-512F).
-bool wideAddSubAvailable();
-// True when this processor runs the path (Auto and Portable always).
-bool addSubPathSupported(AddSubPath path);
-// Test seam: pins every later span addition and subtraction to `path` (Wide
-// from a single limb on, so the tests reach every tail; Auto restores the
-// choice by processor features).  A path the processor does not run is
-// ignored.  Not meant to be changed while another thread computes.
-void forceAddSubPathForTesting(AddSubPath path);
+// Spans of equal length are added and subtracted by the scalar loops below
+// (the portable and AVX2 paths) or by the 512-bit carry-lookahead kernels
+// (add_sub_avx512.cpp, the AVX-512 path and wider; frame/kernel_paths.h).
 
 // Where the 512-bit kernels take over when no path is forced: one whole
 // vector.  A shorter span needs masked loads whose 64 bytes reach past it,
@@ -32,15 +22,16 @@ void forceAddSubPathForTesting(AddSubPath path);
 // scalar loop takes for up to 15 limbs).  From 16 limbs the loads stay inside
 // the spans and the kernels are 3 to 8 times faster, both radices.
 inline constexpr std::size_t kWideAddSubMin = 16;
-inline constexpr std::size_t kNeverWide = ~std::size_t(0);
 
-// The length from which the 512-bit kernels run: kWideAddSubMin, 1 when
-// forced, kNeverWide where the processor lacks them or Portable is forced.
-extern std::atomic<std::size_t> wideAddSubFromLength;
-inline bool useWideAddSub(std::size_t n) { return n >= wideAddSubFromLength.load(std::memory_order_relaxed); }
+// Whether spans of n limbs take the 512-bit kernels: from kWideAddSubMin on
+// the AVX-512 path, from one limb when a test pinned it.
+inline bool useWideAddSub(std::size_t n) {
+    const KernelChoice choice = kernelChoice();
+    return choice.path >= KernelPath::Avx512 && (choice.forced || n >= kWideAddSubMin);
+}
 
 // The 512-bit kernels: the contracts of addSameLength and subSameLength,
-// called only where wideAddSubAvailable().
+// called only on the AVX-512 path.
 template <class R>
 Limb addSameLengthWide(Limb* out, const Limb* a, const Limb* b, std::size_t n, Limb carry);
 template <class R>

@@ -15,7 +15,6 @@
 // zero, and the signs of the fix-up reversed.
 #include "arith/kernels/add_sub.h"
 
-#include <atomic>
 #include <cstddef>
 #include <cstdint>
 
@@ -32,14 +31,6 @@
 namespace tw::arith {
 
 #if TW_HAVE_WIDE_ADD_SUB
-
-bool wideAddSubAvailable() {
-    static const bool available = [] {
-        __builtin_cpu_init();
-        return __builtin_cpu_supports("avx512f") != 0;
-    }();
-    return available;
-}
 
 namespace {
 
@@ -124,8 +115,6 @@ __attribute__((target("avx512f"))) Limb combineWide(Limb* out, const Limb* a, co
 
 #else  // no 512-bit kernels on this target: the entry points are the scalar loops
 
-bool wideAddSubAvailable() { return false; }
-
 namespace {
 template <class R, bool Subtract>
 Limb combineWide(Limb* out, const Limb* a, const Limb* b, std::size_t n, Limb carry) {
@@ -135,31 +124,7 @@ Limb combineWide(Limb* out, const Limb* a, const Limb* b, std::size_t n, Limb ca
 
 #endif
 
-namespace {
-
-void chooseAddSubPath(AddSubPath path) {
-    std::size_t from = wideAddSubAvailable() ? kWideAddSubMin : kNeverWide;
-    if (path == AddSubPath::Portable) from = kNeverWide;
-    if (path == AddSubPath::Wide) from = 1;
-    wideAddSubFromLength.store(from, std::memory_order_relaxed);
-}
-
-}  // namespace
-
-// Portable until the processor's features are known, just before main.
-constinit std::atomic<std::size_t> wideAddSubFromLength{kNeverWide};
-
-namespace {
-[[maybe_unused]] const bool pathChosen = (chooseAddSubPath(AddSubPath::Auto), true);
-}  // namespace
-
-bool addSubPathSupported(AddSubPath path) { return path != AddSubPath::Wide || wideAddSubAvailable(); }
-
-void forceAddSubPathForTesting(AddSubPath path) {
-    if (addSubPathSupported(path)) chooseAddSubPath(path);
-}
-
-// Plain entry points, called only after wideAddSubAvailable().
+// Plain entry points, called only on the AVX-512 path.
 template <class R>
 Limb addSameLengthWide(Limb* out, const Limb* a, const Limb* b, std::size_t n, Limb carry) {
     return combineWide<R, false>(out, a, b, n, carry);

@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "arith/kernels/radix_traits.h"
+#include "frame/kernel_paths.h"
 #include "frame/radix.h"
 
 namespace tw::arith {
@@ -87,35 +88,16 @@ void mulBasecaseColumns(Limb* out, const Limb* L, std::size_t l, const Limb* S, 
 // The longest shorter operand (and square) the vector kernels take.
 inline constexpr std::size_t kLaneKernelMax = 128;
 
-// Whether this processor runs the 256-bit kernels (x86-64 with AVX2).
-bool laneKernelsAvailable();
-// Whether this processor runs the 512-bit kernels (x86-64 with AVX-512F).
-bool wideLaneKernelsAvailable();
-
 // mulBasecaseColumns summed four columns at a time in 256-bit lanes, with the
 // same settling rule per lane: same contract, s <= kLaneKernelMax, and only
-// where laneKernelsAvailable() (elsewhere it is mulBasecaseColumns).
+// on the AVX2 path (elsewhere it is mulBasecaseColumns).
 template <class R>
 void mulBasecaseLanes(Limb* out, const Limb* L, std::size_t l, const Limb* S, std::size_t s);
 
 // The same sixteen columns at a time in two 512-bit accumulators: same
-// contract, s <= kLaneKernelMax, only where wideLaneKernelsAvailable().
+// contract, s <= kLaneKernelMax, only where the AVX-512 path.
 template <class R>
 void mulBasecaseWideLanes(Limb* out, const Limb* L, std::size_t l, const Limb* S, std::size_t s);
-
-// Which basecase kernels the product and square use.
-enum class BasecasePath { Auto, Columns, Lanes, WideLanes };
-
-// True when this processor runs the path (Auto and Columns always).
-bool basecasePathSupported(BasecasePath path);
-
-// Test seam: pins every later basecase product and square to `path` (Auto
-// restores the choice by processor features).  A path the processor does not
-// run is ignored.  Not meant to be changed while another thread multiplies.
-void forceBasecasePathForTesting(BasecasePath path);
-
-// The forced path, or Auto.
-BasecasePath forcedBasecasePath();
 
 // Where the 512-bit kernels are used when no path is forced: from this many
 // limbs of the shorter operand (or, second, of the square's), radix 2^28
@@ -127,24 +109,25 @@ BasecasePath forcedBasecasePath();
 inline constexpr std::size_t kWideLanesMin = 12;
 inline constexpr std::size_t kWideLanesSqrMin = 12;
 
-// The path for a basecase of shorter operand s (wideMin: kWideLanesMin for
-// a product, kWideLanesSqrMin for a square): the forced one, else the fastest
-// this processor runs for the radix and the length.
+// The kernels of a basecase of shorter operand s (wideMin: kWideLanesMin for
+// a product, kWideLanesSqrMin for a square): Portable for the column sums,
+// Avx2 for the 256-bit lanes, Avx512 for the 512-bit ones.  A pinned path is
+// taken at every length and in both radices, so the tests reach every kernel.
 template <class R>
-BasecasePath basecasePathFor(std::size_t s, std::size_t wideMin = kWideLanesMin) {
-    if (s > kLaneKernelMax) return BasecasePath::Columns;
-    const BasecasePath forced = forcedBasecasePath();
-    if (forced != BasecasePath::Auto) return forced;
-    if (R::isBinary && s >= wideMin && wideLaneKernelsAvailable()) return BasecasePath::WideLanes;
-    return laneKernelsAvailable() ? BasecasePath::Lanes : BasecasePath::Columns;
+KernelPath basecasePathFor(std::size_t s, std::size_t wideMin = kWideLanesMin) {
+    if (s > kLaneKernelMax) return KernelPath::Portable;
+    const KernelChoice choice = kernelChoice();
+    if (choice.path >= KernelPath::Avx512 && (choice.forced || (R::isBinary && s >= wideMin)))
+        return KernelPath::Avx512;
+    return choice.path >= KernelPath::Avx2 ? KernelPath::Avx2 : KernelPath::Portable;
 }
 
 // The basecase rung: the vector kernel the processor has.
 template <class R>
 void mulBasecase(Limb* out, const Limb* L, std::size_t l, const Limb* S, std::size_t s) {
     switch (basecasePathFor<R>(s)) {
-        case BasecasePath::WideLanes: mulBasecaseWideLanes<R>(out, L, l, S, s); return;
-        case BasecasePath::Lanes: mulBasecaseLanes<R>(out, L, l, S, s); return;
+        case KernelPath::Avx512: mulBasecaseWideLanes<R>(out, L, l, S, s); return;
+        case KernelPath::Avx2: mulBasecaseLanes<R>(out, L, l, S, s); return;
         default: mulBasecaseColumns<R>(out, L, l, S, s); return;
     }
 }

@@ -7,7 +7,6 @@
 #include "arith/kernels/mul_basecase.h"
 #include "arith/kernels/sqr_basecase.h"
 
-#include <atomic>
 #include <cstddef>
 #include <cstdint>
 
@@ -23,11 +22,6 @@
 namespace tw::arith {
 
 #if TW_HAVE_LANES
-
-bool laneKernelsAvailable() {
-    static const bool available = __builtin_cpu_supports("avx2");
-    return available;
-}
 
 namespace {
 
@@ -221,8 +215,6 @@ __attribute__((target("avx2"))) void sqrLanes(Limb* out, const Limb* a, std::siz
 
 #else  // no vector kernels on this target: the entry points are the column sums
 
-bool laneKernelsAvailable() { return false; }
-
 namespace {
 template <class R>
 constexpr auto mulLanes = &mulBasecaseColumns<R>;
@@ -232,28 +224,8 @@ constexpr auto sqrLanes = &sqrTriangleColumns<R>;
 
 #endif
 
-namespace {
-
-std::atomic<BasecasePath> forcedPath{BasecasePath::Auto};
-
-}  // namespace
-
-bool basecasePathSupported(BasecasePath path) {
-    switch (path) {
-        case BasecasePath::WideLanes: return wideLaneKernelsAvailable();
-        case BasecasePath::Lanes: return laneKernelsAvailable();
-        default: return true;
-    }
-}
-
-void forceBasecasePathForTesting(BasecasePath path) {
-    if (basecasePathSupported(path)) forcedPath.store(path, std::memory_order_relaxed);
-}
-
-BasecasePath forcedBasecasePath() { return forcedPath.load(std::memory_order_relaxed); }
-
 // The vector code stays inside functions compiled for AVX2; these entry
-// points are plain functions, called only after laneKernelsAvailable().
+// points are plain functions, called only on the AVX2 path.
 template <class R>
 void mulBasecaseLanes(Limb* out, const Limb* L, std::size_t l, const Limb* S, std::size_t s) {
     mulLanes<R>(out, L, l, S, s);

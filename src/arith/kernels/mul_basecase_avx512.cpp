@@ -35,14 +35,6 @@ namespace tw::arith {
 
 #if TW_HAVE_WIDE_LANES
 
-bool wideLaneKernelsAvailable() {
-    static const bool available = [] {
-        __builtin_cpu_init();
-        return __builtin_cpu_supports("avx512f") != 0;
-    }();
-    return available;
-}
-
 namespace {
 
 constexpr std::size_t kHalf = 8;              // lanes of one accumulator
@@ -260,8 +252,6 @@ __attribute__((target("avx512f"))) void sqrWide(Limb* out, const Limb* a, std::s
 
 #else  // no 512-bit kernels on this target: the entry points are the column sums
 
-bool wideLaneKernelsAvailable() { return false; }
-
 namespace {
 template <class R>
 constexpr auto mulWide = &mulBasecaseColumns<R>;
@@ -271,7 +261,7 @@ constexpr auto sqrWide = &sqrTriangleColumns<R>;
 
 #endif
 
-// Plain entry points, called only after wideLaneKernelsAvailable().
+// Plain entry points, called only on the AVX-512 path.
 template <class R>
 void mulBasecaseWideLanes(Limb* out, const Limb* L, std::size_t l, const Limb* S, std::size_t s) {
     mulWide<R>(out, L, l, S, s);

@@ -126,7 +126,7 @@ void multiply(Limb* out, const Limb* a, std::size_t an, const Limb* b, std::size
 template <class R>
 void multiplyWideBasecase(Limb* out, const Limb* a, std::size_t an, const Limb* b, std::size_t bn) {
     LimbScratch scratch(mulScratchEstimate(std::max(an, bn), std::min(an, bn)));
-    if (R::isBinary && basecasePathFor<R>(kWideBasecaseMax) == BasecasePath::WideLanes)
+    if (R::isBinary && basecasePathFor<R>(kWideBasecaseMax) == KernelPath::Avx512)
         scratch.setBasecaseMax(kWideBasecaseMax);
     mulLadder<R>(out, a, an, b, bn, scratch);
 }

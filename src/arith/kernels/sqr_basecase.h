@@ -29,12 +29,12 @@ void sqrTriangleColumns(Limb* out, const Limb* a, std::size_t n) {
 }
 
 // sqrTriangleColumns four columns at a time in 256-bit lanes: same contract,
-// n <= kLaneKernelMax, only where laneKernelsAvailable().
+// n <= kLaneKernelMax, only on the AVX2 path.
 template <class R>
 void sqrTriangleLanes(Limb* out, const Limb* a, std::size_t n);
 
 // The same sixteen columns at a time in 512-bit lanes: same contract,
-// n <= kLaneKernelMax, only where wideLaneKernelsAvailable().
+// n <= kLaneKernelMax, only on the AVX-512 path.
 template <class R>
 void sqrTriangleWideLanes(Limb* out, const Limb* a, std::size_t n);
 
@@ -58,10 +58,10 @@ void addDoubledDiagonal(Limb* out, const Limb* a, std::size_t n) {
 // out[0 .. 2n) := a[0..n)^2, n >= 1, out not overlapping a.
 template <class R>
 void sqrBasecase(Limb* out, const Limb* a, std::size_t n) {
-    const BasecasePath path = basecasePathFor<R>(n, kWideLanesSqrMin);
-    if (path == BasecasePath::WideLanes)
+    const KernelPath path = basecasePathFor<R>(n, kWideLanesSqrMin);
+    if (path == KernelPath::Avx512)
         sqrTriangleWideLanes<R>(out, a, n);
-    else if (path == BasecasePath::Lanes)
+    else if (path == KernelPath::Avx2)
         sqrTriangleLanes<R>(out, a, n);
     else
         sqrTriangleColumns<R>(out, a, n);
