@@ -1,11 +1,19 @@
-// Size thresholds of the multiplication and squaring ladders, in limbs of the
-// shorter operand (product) or of the operand (square).  They are fixed
-// constants of the library's design, the same for both radices.
+// Every switch-over point of the library in one place: the rungs of the
+// multiplication and squaring ladders, where vector kernels take over, the
+// division's block sizes, the conversions' leaves and bands, and the bounds
+// of what is kept between calls.  Each value comes with the measurement that
+// set it (this project's 2-core AVX-512 machine, both radices unless said);
+// bench/tune measures the crossovers again on the machine it runs on.
+//
+// These are tuning, not behaviour: any value that keeps the static_asserts
+// below gives the same results, only at another speed.
 #pragma once
 
 #include <cstddef>
 
 namespace tw::arith {
+
+// ---- multiplication and squaring ladders (limbs of the shorter operand) ----
 
 // Product ladder: single limb, basecase up to 64, Karatsuba up to 192,
 // Toom-3 up to 511, number-theoretic transform from 512.
@@ -32,8 +40,117 @@ inline constexpr std::size_t kTransformMaxLength = 0x3000000;
 // Above this transform length Toom-3 splits the operands; between the two, Karatsuba.
 inline constexpr std::size_t kTransformToomLength = 0x6000000;
 
+// ---- vector kernels (frame/kernel_paths.h) ----
+
+// Where the 512-bit kernels take over when no path is forced: one whole
+// vector.  A shorter span needs masked loads whose 64 bytes reach past it,
+// and such a load waits for any store still in flight to the limbs beyond
+// (a neighbouring span just written: about 9 ns on Zen 4, more than the
+// scalar loop takes for up to 15 limbs).  From 16 limbs the loads stay inside
+// the spans and the kernels are 3 to 8 times faster, both radices.
+inline constexpr std::size_t kWideAddSubMin = 16;
+
+// Where the 512-bit kernels are used when no path is forced: from this many
+// limbs of the shorter operand (or, second, of the square's), radix 2^28
+// only.  Below it the wider blocks waste more of their padding and ragged
+// rows than they gain (measured even at 8 limbs, ahead from 12).  For radix
+// 10^9 the compare after every addition settles one lane in about 70
+// additions, so eight lanes a compare mispredict too often; there the 256-bit
+// kernels are measured faster.
+inline constexpr std::size_t kWideLanesMin = 12;
+inline constexpr std::size_t kWideLanesSqrMin = 12;
+
+// ---- products off the ladder (fast_product.h) ----
+
+// The transform beats Toom-3 all through the Toom-3 band under
+// ProductRule::Fastest (measured in both radices), except for results a
+// little longer than the step at 512 limbs, where the transform's length
+// doubles: results from kTransformStep to kTransformStep * 9/8 limbs keep Toom-3.
+inline constexpr std::size_t kTransformStep = 512;
+
+// Products needed only modulo radix^N - 1 (cyclicIsCheaper): the cyclic
+// product costs about 15 ns a limb of N in either radix, the ladder's
+// Karatsuba and Toom-3 rungs about k * longer * sqrt(shorter), so the cyclic
+// one wins when shorter * longer^2 >= c N^2: c = 46 in decimal limbs, 54 in
+// binary ones (whose ladder is faster).  Longer operands below 140 limbs, and
+// shorter ones in the basecase's band, keep the ladder at every length
+// measured (62 x 1000 limbs: 0.8 and 0.4 times the cyclic time).
+inline constexpr unsigned kCyclicCostDecimal = 46;
+inline constexpr unsigned kCyclicCostBinary = 54;
+inline constexpr std::size_t kCyclicMinLonger = 140;
+
+// ---- division (divide_newton.h) ----
+
+// Quotient limbs a block takes at the least: below this the fixed cost of a
+// block outweighs its products, so short divisors get blocks longer than
+// themselves.
+inline constexpr std::size_t kMinBlockQuotientLimbs = 32;
+
+// Quotients from 2 kMinBlockQuotientLimbs up to this many limbs divide in two
+// blocks through a reciprocal of half their length: while products are below
+// the transform's sizes, the reciprocal of full length costs more than the
+// second block.  From here on the single block is as fast or faster.
+inline constexpr std::size_t kHalfReciprocalMaxQuotientLimbs = 4096;
+
 static_assert(1 < kMulBasecaseMax && kMulBasecaseMax < kMulKaratsubaMax && kMulKaratsubaMax < kMulTransformMin);
 static_assert(1 < kSqrBasecaseMax && kSqrBasecaseMax < kSqrKaratsubaMax && kSqrKaratsubaMax < kSqrTransformMin);
 static_assert(kTransformMaxLength < kTransformToomLength);
+static_assert(kWideBasecaseMax > kMulBasecaseMax);
+static_assert(2 * kMinBlockQuotientLimbs <= kHalfReciprocalMaxQuotientLimbs);
 
 }  // namespace tw::arith
+
+namespace tw::arith::ntt {
+
+// ---- the transform ----
+
+// Blocks of at most this many words are transformed level by level while they
+// stay in the first-level cache; longer blocks run one radix-2 level over the
+// whole block and recurse into both halves.
+inline constexpr std::size_t kLeafLength = 4096;
+
+}  // namespace tw::arith::ntt
+
+namespace tw::convert {
+
+// ---- conversions between radices ----
+
+// Magnitudes shorter than this many limbs change limb radix by repeated
+// division by the target radix (convertLimbs), which needs no temporaries;
+// from here on the divide-and-conquer conversion is faster.
+inline constexpr std::size_t kConvertByDivisionMax = 40;
+
+// Most chunks a leaf of the tree holds.  Horner's rule and repeated division
+// by the chunk cost about leaf^2 / 2 word steps there, and beat the products
+// and divisions of the tree up to these lengths.  Binary limbs take Horner's
+// rule in 64-bit words, two chunks a step, which pays off further up.
+template <class R>
+inline constexpr std::size_t kJoinLeaf = R::isBinary ? 128 : 32;
+inline constexpr std::size_t kSplitLeaf = 32;
+
+// Decimal magnitudes in this band of lengths split faster by way of binary
+// limbs: a join into radix 2^28 (products only) and a split with binary
+// divisions cost less than the decimal divisions, whose products carry in
+// radix 10^9.  Measured, the detour saves a sixth from 300 to 1100 limbs;
+// below the band the join costs more than it saves, and above it the join's
+// own share of the work catches up (even by 1500 limbs).
+inline constexpr std::size_t kBinarySplitMinLimbs = 128;
+inline constexpr std::size_t kBinarySplitMaxLimbs = 1400;
+static_assert(kBinarySplitMinLimbs < kBinarySplitMaxLimbs);
+
+// ---- what conversions keep between calls ----
+
+// Limbs the cache holds at most between conversions (16 MB): enough for the
+// powers of numbers of some 10^7 digits.
+inline constexpr std::size_t kChunkPowerCacheLimbs = std::size_t(1) << 22;
+// Chunks whose powers are kept at once.
+inline constexpr std::size_t kChunkPowerCacheEntries = 4;
+
+// Powers up to this many limbs keep the transforms of their divisions
+// (arith::KeptTransforms, about twelve times the power's length in words).
+// The levels below it hold most of a tree's divisions; above it a level
+// divides once or twice a conversion, and keeping its transforms would make
+// a conversion of 10^8 digits hold half a gigabyte more.
+inline constexpr std::size_t kKeptTransformsMaxLimbs = std::size_t(1) << 16;
+
+}  // namespace tw::convert

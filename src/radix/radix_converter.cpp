@@ -23,10 +23,10 @@ bool valueIsZero(const Digits& d) {
 // unless the digits come from a power of two.  Each of those ends makes the
 // conversion a regrouping, or a chunk that divides the limb radix.
 bool throughBinary(std::uint32_t toRadix, std::uint32_t fromRadix) {
-    const std::uint64_t to = radix::radixValue(toRadix);
-    if (radix::powerOfTwoExponent(to) != 0) return true;
+    const std::uint64_t to = convert::radixValue(toRadix);
+    if (convert::powerOfTwoExponent(to) != 0) return true;
     if (DecimalRadix::base % to == 0) return false;
-    return radix::powerOfTwoExponent(radix::radixValue(fromRadix)) != 0;
+    return convert::powerOfTwoExponent(convert::radixValue(fromRadix)) != 0;
 }
 
 // Calls op on a fresh number of the chosen type.
@@ -142,7 +142,7 @@ void setFromMachineValue(RadixConverter& c, std::int32_t sign, std::uint64_t mag
 
 template <class Char>
 void setFromText(RadixConverter& c, const Char* text) {
-    withTemporary(radix::powerOfTwoExponent(radix::radixValue(c.radix)) != 0, [&](auto& t) {
+    withTemporary(convert::powerOfTwoExponent(convert::radixValue(c.radix)) != 0, [&](auto& t) {
         text::parseDecimalOrHexText(t, text);
         converterFromNumber(c, t);
     });
@@ -151,7 +151,7 @@ void setFromText(RadixConverter& c, const Char* text) {
 MachineValue machineValue(RadixConverter& c) {
     const std::int32_t sign = readSign(c);
     const Digits& d = *c.digitList;
-    const std::uint64_t radix = radix::radixValue(c.radix);
+    const std::uint64_t radix = convert::radixValue(c.radix);
     u128 v = 0;
     for (std::size_t i = d.size(); i-- > 0;) {
         v = v * radix + d[i];

@@ -22,10 +22,10 @@ using twtest::Mpz;
 template <class R>
 class ChunkPowerCache : public ::testing::Test {
 protected:
-    void SetUp() override { tw::radix::clearChunkPowerCache(); }
+    void SetUp() override { tw::convert::clearChunkPowerCache(); }
     void TearDown() override {
         tw::clearErrorState();
-        tw::radix::clearChunkPowerCache();
+        tw::convert::clearChunkPowerCache();
     }
 };
 using Radices = ::testing::Types<tw::DecimalRadix, tw::BinaryRadix>;
@@ -55,37 +55,37 @@ TYPED_TEST(ChunkPowerCache, WarmAndColdConversionsAgree) {
                 ASSERT_EQ(tw::toDigits<TypeParam>(x.rec(), radix), twtest::mpzToDigits(v.v, radix))
                     << "radix " << radix << ", " << bits << " bits, round " << round;
             }
-            EXPECT_LE(tw::radix::chunkPowerCacheEntries(), 2 * tw::radix::kChunkPowerCacheEntries);
+            EXPECT_LE(tw::convert::chunkPowerCacheEntries(), 2 * tw::convert::kChunkPowerCacheEntries);
         }
     }
-    EXPECT_GT(tw::radix::chunkPowerCacheLimbs(), 0u);
+    EXPECT_GT(tw::convert::chunkPowerCacheLimbs(), 0u);
     gmp_randclear(state);
 }
 
 TYPED_TEST(ChunkPowerCache, UnfinishedPowersAreDropped) {
     const std::uint64_t chunk = 2176782336u;  // 36^6
-    auto powers = tw::radix::acquireChunkPowers<TypeParam>(chunk, 32, false);
+    auto powers = tw::convert::acquireChunkPowers<TypeParam>(chunk, 32, false);
     ASSERT_FALSE(powers->odd(3).empty());
-    tw::radix::releaseChunkPowers<TypeParam>(powers);
-    EXPECT_EQ(tw::radix::chunkPowerCacheEntries(), 1u);
-    auto again = tw::radix::acquireChunkPowers<TypeParam>(chunk, 32, false);
+    tw::convert::releaseChunkPowers<TypeParam>(powers);
+    EXPECT_EQ(tw::convert::chunkPowerCacheEntries(), 1u);
+    auto again = tw::convert::acquireChunkPowers<TypeParam>(chunk, 32, false);
     EXPECT_EQ(again.get(), powers.get());
 
     // The flag cuts the next squarings short: the powers go, not into the cache.
     tw::setLastError(tw::kErrStopped);
     EXPECT_TRUE(again->odd(6).empty());
-    tw::radix::releaseChunkPowers<TypeParam>(again);
-    EXPECT_EQ(tw::radix::chunkPowerCacheEntries(), 0u);
+    tw::convert::releaseChunkPowers<TypeParam>(again);
+    EXPECT_EQ(tw::convert::chunkPowerCacheEntries(), 0u);
     tw::clearErrorState();
 
-    auto fresh = tw::radix::acquireChunkPowers<TypeParam>(chunk, 32, false);
+    auto fresh = tw::convert::acquireChunkPowers<TypeParam>(chunk, 32, false);
     EXPECT_NE(fresh.get(), powers.get());
     Mpz expected;
     mpz_ui_pow_ui(expected.v, chunk, 32 << 6);
     const auto& p6 = fresh->odd(6);
     ASSERT_FALSE(p6.empty());
     EXPECT_EQ(mpz_cmp(twtest::toMpz<TypeParam>(p6).v, expected.v), 0);
-    tw::radix::releaseChunkPowers<TypeParam>(fresh);
+    tw::convert::releaseChunkPowers<TypeParam>(fresh);
 }
 
 // A short quotient first (a reciprocal of its length), then balanced ones
@@ -93,7 +93,7 @@ TYPED_TEST(ChunkPowerCache, UnfinishedPowersAreDropped) {
 // one): every quotient and remainder as the plain division gives them.
 TYPED_TEST(ChunkPowerCache, LevelReciprocalServesEveryQuotient) {
     const std::uint64_t chunk = 1801088541u;  // 21^7
-    auto powers = tw::radix::acquireChunkPowers<TypeParam>(chunk, 32, false);
+    auto powers = tw::convert::acquireChunkPowers<TypeParam>(chunk, 32, false);
     const unsigned level = 3;
     const auto d = powers->odd(level);
     twtest::LimbGenerator gen(41);
@@ -105,7 +105,7 @@ TYPED_TEST(ChunkPowerCache, LevelReciprocalServesEveryQuotient) {
         EXPECT_EQ(q, q2) << quotientLimbs << " quotient limbs";
         EXPECT_EQ(r, r2) << quotientLimbs << " quotient limbs";
     }
-    tw::radix::releaseChunkPowers<TypeParam>(powers);
+    tw::convert::releaseChunkPowers<TypeParam>(powers);
 }
 
 }  // namespace

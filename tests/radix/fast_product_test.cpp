@@ -19,8 +19,8 @@ using Radices = ::testing::Types<tw::DecimalRadix, tw::BinaryRadix>;
 TYPED_TEST_SUITE(FastProduct, Radices);
 
 template <class R>
-tw::radix::Limbs randomLimbs(std::mt19937_64& gen, std::size_t n, std::size_t zerosAtBottom) {
-    tw::radix::Limbs x(n);
+tw::convert::Limbs randomLimbs(std::mt19937_64& gen, std::size_t n, std::size_t zerosAtBottom) {
+    tw::convert::Limbs x(n);
     for (std::size_t i = 0; i < n; ++i) x[i] = i < zerosAtBottom ? 0 : tw::Limb(gen() % R::base);
     x[n - 1] = tw::Limb(R::base - 1 - gen() % 3);  // full-sized top limb
     return x;
@@ -34,9 +34,9 @@ TYPED_TEST(FastProduct, AgreesWithTheLadderAtTheBandEdges) {
         {511, 511}, {512, 511}, {511, 300}, {250, 700}, {1500, 193}, {2000, 511}, {193, 150}};
     for (const auto& [an, bn] : shapes) {
         for (std::size_t zeros : {std::size_t(0), std::size_t(37)}) {
-            const tw::radix::Limbs a = randomLimbs<R>(gen, an, zeros), b = randomLimbs<R>(gen, bn, 0);
+            const tw::convert::Limbs a = randomLimbs<R>(gen, an, zeros), b = randomLimbs<R>(gen, bn, 0);
             std::vector<tw::Limb> fast(an + bn, 7), ladder(an + bn);
-            tw::radix::multiplyFast<R>(fast.data(), a.data(), an, b.data(), bn);
+            tw::convert::multiplyFast<R>(fast.data(), a.data(), an, b.data(), bn);
             if (an >= bn)
                 tw::arith::multiply<R>(ladder.data(), a.data(), an, b.data(), bn);
             else

@@ -27,7 +27,7 @@ TEST(WordLeaf, ChunksAgreeWithGmp) {
     std::mt19937_64 rng(5);
     for (std::uint64_t chunk : {2ull, 3ull, 10ull, 36ull * 36 * 36, 2176782336ull /* 36^6 */, 3486784401ull /* 3^20 */,
                                 4294967295ull, 2147483647ull, 65537ull, 1000000007ull, 999999999ull}) {
-        const tw::radix::WordChunkDivider divider(chunk);
+        const tw::convert::WordChunkDivider divider(chunk);
         const double chunkBits = std::log2(double(chunk));
         for (std::size_t n : {1, 2, 3, 5, 8, 17, 40, 77}) {
             for (int style = 0; style < 3; ++style) {
@@ -50,7 +50,7 @@ TEST(WordLeaf, BinaryLimbsRegroupIntoWords) {
         std::vector<tw::Limb> limbs(n);
         for (auto& l : limbs) l = tw::Limb(rng()) & tw::BinaryRadix::mask;
         std::vector<std::uint64_t> words(n * 28 / 64 + 2, 0);
-        words.resize(tw::radix::binaryLimbsToWords(words.data(), limbs.data(), n));
+        words.resize(tw::convert::binaryLimbsToWords(words.data(), limbs.data(), n));
         EXPECT_EQ(words.size(), (28 * n + 63) / 64);
         twtest::Mpz a;
         mpz_import(a.v, words.size(), -1, sizeof(std::uint64_t), 0, 0, words.data());

@@ -5,7 +5,7 @@
 
 #include "frame/error_state.h"
 
-namespace tw::radix {
+namespace tw::convert {
 
 namespace {
 
@@ -77,4 +77,4 @@ template std::shared_ptr<ChunkPowers<BinaryRadix>> acquireChunkPowers<BinaryRadi
 template void releaseChunkPowers<DecimalRadix>(std::shared_ptr<ChunkPowers<DecimalRadix>>);
 template void releaseChunkPowers<BinaryRadix>(std::shared_ptr<ChunkPowers<BinaryRadix>>);
 
-}  // namespace tw::radix
+}  // namespace tw::convert

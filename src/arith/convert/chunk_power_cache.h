@@ -16,14 +16,9 @@
 #include <memory>
 
 #include "arith/convert/chunk_powers.h"
+#include "arith/tuning.h"
 
-namespace tw::radix {
-
-// Limbs the cache holds at most between conversions (16 MB): enough for the
-// powers of numbers of some 10^7 digits.
-inline constexpr std::size_t kChunkPowerCacheLimbs = std::size_t(1) << 22;
-// Chunks whose powers are kept at once.
-inline constexpr std::size_t kChunkPowerCacheEntries = 4;
+namespace tw::convert {
 
 // The powers of `chunk` for `leaf` (see ChunkPowers), from the cache or new.
 // The caller holds them for one conversion and then calls releaseChunkPowers.
@@ -42,4 +37,4 @@ void clearChunkPowerCache();
 std::size_t chunkPowerCacheLimbs();
 std::size_t chunkPowerCacheEntries();
 
-}  // namespace tw::radix
+}  // namespace tw::convert

@@ -6,7 +6,7 @@
 #include "arith/kernels/reciprocal.h"
 #include "frame/error_state.h"
 
-namespace tw::radix {
+namespace tw::convert {
 
 template <class R>
 ChunkPowers<R>::ChunkPowers(std::uint64_t chunk, std::size_t leaf, bool separateTwos)
@@ -83,4 +83,4 @@ bool ChunkPowers<R>::whole() const {
 template class ChunkPowers<DecimalRadix>;
 template class ChunkPowers<BinaryRadix>;
 
-}  // namespace tw::radix
+}  // namespace tw::convert

@@ -17,15 +17,9 @@
 
 #include "arith/kernels/divide_newton.h"
 #include "arith/convert/limb_spans.h"
+#include "arith/tuning.h"
 
-namespace tw::radix {
-
-// Powers up to this many limbs keep the transforms of their divisions
-// (arith::KeptTransforms, about twelve times the power's length in words).
-// The levels below it hold most of a tree's divisions; above it a level
-// divides once or twice a conversion, and keeping its transforms would make
-// a conversion of 10^8 digits hold half a gigabyte more.
-inline constexpr std::size_t kKeptTransformsMaxLimbs = std::size_t(1) << 16;
+namespace tw::convert {
 
 template <class R>
 class ChunkPowers {
@@ -71,4 +65,4 @@ private:
     std::vector<Reciprocal> reciprocals_;
 };
 
-}  // namespace tw::radix
+}  // namespace tw::convert

@@ -11,7 +11,7 @@
 
 #include "frame/radix.h"
 
-namespace tw::radix {
+namespace tw::convert {
 
 // The radix as a number: 0 stands for 2^32.
 constexpr std::uint64_t radixValue(std::uint32_t radix) { return radix == 0 ? std::uint64_t(1) << 32 : radix; }
@@ -80,4 +80,4 @@ private:
     std::uint64_t magic_;
 };
 
-}  // namespace tw::radix
+}  // namespace tw::convert

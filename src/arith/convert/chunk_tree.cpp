@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "arith/kernels/add_sub.h"
+#include "arith/tuning.h"
 #include "frame/error_state.h"
 #include "arith/convert/chunk_power_cache.h"
 #include "arith/convert/chunk_powers.h"
@@ -12,17 +13,9 @@
 #include "arith/convert/limb_spans.h"
 #include "arith/convert/word_leaf.h"
 
-namespace tw::radix {
+namespace tw::convert {
 
 namespace {
-
-// Most chunks a leaf of the tree holds.  Horner's rule and repeated division
-// by the chunk cost about leaf^2 / 2 word steps there, and beat the products
-// and divisions of the tree up to these lengths.  Binary limbs take Horner's
-// rule in 64-bit words, two chunks a step, which pays off further up.
-template <class R>
-constexpr std::size_t kJoinLeaf = R::isBinary ? 128 : 32;
-constexpr std::size_t kSplitLeaf = 32;
 
 // The leaf for a run of `count` chunks: count / 2^L rounded up, for the
 // smallest L that brings it to at most `most`.  Every split of the tree then
@@ -273,15 +266,6 @@ std::vector<Limb> joinChunks(const std::uint32_t* chunks, std::size_t count, std
     return out;
 }
 
-// Decimal magnitudes in this band of lengths split faster by way of binary
-// limbs: a join into radix 2^28 (products only) and a split with binary
-// divisions cost less than the decimal divisions, whose products carry in
-// radix 10^9.  Measured, the detour saves a sixth from 300 to 1100 limbs;
-// below the band the join costs more than it saves, and above it the join's
-// own share of the work catches up (even by 1500 limbs).
-constexpr std::size_t kBinarySplitMinLimbs = 128;
-constexpr std::size_t kBinarySplitMaxLimbs = 1400;
-
 template <class R>
 void splitIntoChunks(std::uint32_t* out, std::size_t count, const Limb* x, std::size_t n, std::uint64_t chunk) {
     if constexpr (!R::isBinary) {
@@ -300,4 +284,4 @@ template std::vector<Limb> joinChunks<BinaryRadix>(const std::uint32_t*, std::si
 template void splitIntoChunks<DecimalRadix>(std::uint32_t*, std::size_t, const Limb*, std::size_t, std::uint64_t);
 template void splitIntoChunks<BinaryRadix>(std::uint32_t*, std::size_t, const Limb*, std::size_t, std::uint64_t);
 
-}  // namespace tw::radix
+}  // namespace tw::convert

@@ -18,7 +18,7 @@
 
 #include "frame/radix.h"
 
-namespace tw::radix {
+namespace tw::convert {
 
 // Limbs of radix R of sum chunks[i] * chunk^i over i < count, trimmed (empty
 // for zero).  Every chunk below `chunk`.
@@ -31,4 +31,4 @@ std::vector<Limb> joinChunks(const std::uint32_t* chunks, std::size_t count, std
 template <class R>
 void splitIntoChunks(std::uint32_t* out, std::size_t count, const Limb* x, std::size_t n, std::uint64_t chunk);
 
-}  // namespace tw::radix
+}  // namespace tw::convert

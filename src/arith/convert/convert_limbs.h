@@ -8,13 +8,12 @@
 #include <vector>
 
 #include "arith/kernels/divide_by_limb.h"
+#include "arith/tuning.h"
 #include "frame/number_record.h"
 #include "frame/radix.h"
 #include "arith/convert/digit_conversion.h"
 
 namespace tw {
-
-inline constexpr std::size_t kConvertByDivisionMax = 40;
 
 // The limbs of the value a[0..n) (radix From) in radix To, least significant
 // first, without zero limbs at the top (empty for zero, and when the terminate
@@ -22,7 +21,7 @@ inline constexpr std::size_t kConvertByDivisionMax = 40;
 template <class From, class To>
 std::vector<Limb> convertLimbs(const Limb* a, std::size_t n) {
     while (n > 0 && a[n - 1] == 0) --n;
-    if (n >= kConvertByDivisionMax) {
+    if (n >= convert::kConvertByDivisionMax) {
         NumberRecord converted;
         setFromDigits<To>(converted, From::base, a, n);
         if (converted.isZero()) return {};

@@ -13,7 +13,7 @@ namespace tw {
 
 namespace {
 
-using radix::ChunkRadix;
+using convert::ChunkRadix;
 
 // Digits that are not below the radix (a converter whose radix was changed
 // under its digits) still have a value: sum digit[i] * radix^i.  Carrying the
@@ -47,14 +47,14 @@ std::vector<std::uint32_t> packChunks(const std::uint32_t* digits, std::size_t c
 template <class R>
 std::vector<Limb> limbsOfDigits(std::uint64_t radixValue, const std::uint32_t* digits, std::size_t count) {
     if constexpr (R::isBinary) {
-        if (const unsigned j = radix::powerOfTwoExponent(radixValue)) return radix::bitDigitsToLimbs(digits, count, j);
+        if (const unsigned j = convert::powerOfTwoExponent(radixValue)) return convert::bitDigitsToLimbs(digits, count, j);
     } else {
-        if (const unsigned j = radix::powerOfTenExponent(radixValue)) return radix::decimalDigitsToLimbs(digits, count, j);
+        if (const unsigned j = convert::powerOfTenExponent(radixValue)) return convert::decimalDigitsToLimbs(digits, count, j);
     }
-    const ChunkRadix c = radix::chunkRadixOf(radixValue);
-    if (c.digitsPerChunk == 1) return radix::joinChunks<R>(digits, count, c.chunk);
+    const ChunkRadix c = convert::chunkRadixOf(radixValue);
+    if (c.digitsPerChunk == 1) return convert::joinChunks<R>(digits, count, c.chunk);
     const std::vector<std::uint32_t> chunks = packChunks(digits, count, c);
-    return radix::joinChunks<R>(chunks.data(), chunks.size(), c.chunk);
+    return convert::joinChunks<R>(chunks.data(), chunks.size(), c.chunk);
 }
 
 template <class R>
@@ -64,22 +64,22 @@ using OtherRadix = std::conditional_t<R::isBinary, DecimalRadix, BinaryRadix>;
 // from binary limbs, powers of ten from decimal limbs.
 template <class R>
 bool regroups(std::uint64_t radixValue) {
-    return R::isBinary ? radix::powerOfTwoExponent(radixValue) != 0 : radix::powerOfTenExponent(radixValue) != 0;
+    return R::isBinary ? convert::powerOfTwoExponent(radixValue) != 0 : convert::powerOfTenExponent(radixValue) != 0;
 }
 
 // The digits of limbs[0..n) in a radix that regroups from radix R.
 template <class R>
 std::vector<std::uint32_t> regroupedDigits(const Limb* limbs, std::size_t n, std::uint64_t radixValue) {
     if constexpr (R::isBinary)
-        return radix::limbsToBitDigits(limbs, n, radix::powerOfTwoExponent(radixValue));
+        return convert::limbsToBitDigits(limbs, n, convert::powerOfTwoExponent(radixValue));
     else
-        return radix::limbsToDecimalDigits(limbs, n, radix::powerOfTenExponent(radixValue));
+        return convert::limbsToDecimalDigits(limbs, n, convert::powerOfTenExponent(radixValue));
 }
 
 // An upper bound on the chunks of a magnitude of `limbs` limbs.
 template <class R>
 std::size_t chunksBound(std::size_t limbs, std::uint64_t chunk) {
-    const double bits = double(limbs) * radix::limbBits<R>();
+    const double bits = double(limbs) * convert::limbBits<R>();
     return std::size_t(bits / std::log2(double(chunk)) * (1 + 1e-12)) + 2;
 }
 
@@ -91,7 +91,7 @@ std::vector<std::uint32_t> unpackChunks(const std::vector<std::uint32_t>& chunks
     } else {
         digits.resize(chunks.size() * c.digitsPerChunk);
         // A multiply-high per digit instead of a hardware division.
-        const radix::WordDivisor byRadix(c.radix);
+        const convert::WordDivisor byRadix(c.radix);
         // Four chunks at a time: their chains of dependent divisions overlap.
         const unsigned k = c.digitsPerChunk;
         std::uint32_t* out = digits.data();
@@ -129,7 +129,7 @@ void setFromDigits(NumberRecord& x, std::uint32_t sourceRadix, const std::uint32
     }
     // Zero digits at the bottom stay in place: the regrouping paths pass them
     // at no cost and the tree joins zero runs without multiplying them.
-    const std::uint64_t radixValue = radix::radixValue(sourceRadix);
+    const std::uint64_t radixValue = convert::radixValue(sourceRadix);
     std::vector<Limb> limbs;
     if (radixValue == 1) {
         // Every power of 1 is 1: the value is the sum of the digits.
@@ -166,7 +166,7 @@ std::vector<std::uint32_t> toDigits(const NumberRecord& x, std::uint32_t targetR
         setLastError(kErrRadix);
         return {};
     }
-    const std::uint64_t radixValue = radix::radixValue(targetRadix);
+    const std::uint64_t radixValue = convert::radixValue(targetRadix);
     const Limb* limbs = x.digits;
     const std::size_t n = x.topIndex + 1;
     std::vector<std::uint32_t> digits;
@@ -175,12 +175,12 @@ std::vector<std::uint32_t> toDigits(const NumberRecord& x, std::uint32_t targetR
     } else if (regroups<OtherRadix<R>>(radixValue)) {
         // A power of the other limb radix's base: a join into that radix
         // (products only) and a regrouping beat the divisions of a split.
-        const std::vector<Limb> other = radix::joinChunks<OtherRadix<R>>(limbs, n, R::base);
+        const std::vector<Limb> other = convert::joinChunks<OtherRadix<R>>(limbs, n, R::base);
         digits = regroupedDigits<OtherRadix<R>>(other.data(), other.size(), radixValue);
     } else {
-        const ChunkRadix c = radix::chunkRadixOf(radixValue);
+        const ChunkRadix c = convert::chunkRadixOf(radixValue);
         std::vector<std::uint32_t> chunks(chunksBound<R>(n, c.chunk));
-        radix::splitIntoChunks<R>(chunks.data(), chunks.size(), limbs, n, c.chunk);
+        convert::splitIntoChunks<R>(chunks.data(), chunks.size(), limbs, n, c.chunk);
         digits = unpackChunks(chunks, c);
     }
     while (!digits.empty() && digits.back() == 0) digits.pop_back();

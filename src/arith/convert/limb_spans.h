@@ -12,7 +12,7 @@
 #include "arith/kernels/multiply.h"
 #include "frame/radix.h"
 
-namespace tw::radix {
+namespace tw::convert {
 
 using Limbs = std::vector<Limb>;
 
@@ -73,4 +73,4 @@ inline void addShiftedBits(Limb* acc, std::size_t size, std::size_t offset, cons
     }
 }
 
-}  // namespace tw::radix
+}  // namespace tw::convert

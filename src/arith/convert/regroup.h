@@ -10,7 +10,7 @@
 
 #include "frame/radix.h"
 
-namespace tw::radix {
+namespace tw::convert {
 
 // The value of in[0..n) in radix 2^inBits, each word below it, as words of
 // radix 2^outBits; 1 <= inBits, outBits <= 32.  Zero words at the top are kept.
@@ -70,4 +70,4 @@ inline std::vector<std::uint32_t> limbsToDecimalDigits(const Limb* limbs, std::s
     return regroupDecimal(limbs, n, DecimalRadix::decimalDigitsPerLimb, j);
 }
 
-}  // namespace tw::radix
+}  // namespace tw::convert

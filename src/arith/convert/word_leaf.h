@@ -14,7 +14,7 @@
 
 #include "frame/radix.h"
 
-namespace tw::radix {
+namespace tw::convert {
 
 class WordChunkDivider {
 public:
@@ -107,4 +107,4 @@ inline std::size_t binaryLimbsToWords(std::uint64_t* words, const Limb* x, std::
     return w;
 }
 
-}  // namespace tw::radix
+}  // namespace tw::convert

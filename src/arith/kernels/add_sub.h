@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "arith/tuning.h"
 #include "frame/kernel_paths.h"
 #include "frame/radix.h"
 
@@ -14,14 +15,6 @@ namespace tw::arith {
 // Spans of equal length are added and subtracted by the scalar loops below
 // (the portable and AVX2 paths) or by the 512-bit carry-lookahead kernels
 // (add_sub_avx512.cpp, the AVX-512 path and wider; frame/kernel_paths.h).
-
-// Where the 512-bit kernels take over when no path is forced: one whole
-// vector.  A shorter span needs masked loads whose 64 bytes reach past it,
-// and such a load waits for any store still in flight to the limbs beyond
-// (a neighbouring span just written: about 9 ns on Zen 4, more than the
-// scalar loop takes for up to 15 limbs).  From 16 limbs the loads stay inside
-// the spans and the kernels are 3 to 8 times faster, both radices.
-inline constexpr std::size_t kWideAddSubMin = 16;
 
 // Whether spans of n limbs take the 512-bit kernels: from kWideAddSubMin on
 // the AVX-512 path, from one limb when a test pinned it.

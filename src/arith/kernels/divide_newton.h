@@ -7,6 +7,7 @@
 
 #include "arith/kernels/fast_product.h"
 #include "arith/kernels/ntt/cyclic_multiply.h"
+#include "arith/tuning.h"
 #include "frame/radix.h"
 
 namespace tw::arith {
@@ -16,17 +17,6 @@ inline std::size_t significantLength(const Limb* x, std::size_t n) {
     while (n > 1 && x[n - 1] == 0) --n;
     return n;
 }
-
-// Quotient limbs a block takes at the least: below this the fixed cost of a
-// block outweighs its products, so short divisors get blocks longer than
-// themselves.
-inline constexpr std::size_t kMinBlockQuotientLimbs = 32;
-
-// Quotients from 2 kMinBlockQuotientLimbs up to this many limbs divide in two
-// blocks through a reciprocal of half their length: while products are below
-// the transform's sizes, the reciprocal of full length costs more than the
-// second block.  From here on the single block is as fast or faster.
-inline constexpr std::size_t kHalfReciprocalMaxQuotientLimbs = 4096;
 
 // Reciprocal precision for dividing by a divisor of dn limbs: one block then
 // takes a dividend of dn + max(dn, kMinBlockQuotientLimbs) limbs.

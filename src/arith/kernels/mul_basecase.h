@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "arith/kernels/radix_traits.h"
+#include "arith/tuning.h"
 #include "frame/kernel_paths.h"
 #include "frame/radix.h"
 
@@ -98,16 +99,6 @@ void mulBasecaseLanes(Limb* out, const Limb* L, std::size_t l, const Limb* S, st
 // contract, s <= kLaneKernelMax, only where the AVX-512 path.
 template <class R>
 void mulBasecaseWideLanes(Limb* out, const Limb* L, std::size_t l, const Limb* S, std::size_t s);
-
-// Where the 512-bit kernels are used when no path is forced: from this many
-// limbs of the shorter operand (or, second, of the square's), radix 2^28
-// only.  Below it the wider blocks waste more of their padding and ragged
-// rows than they gain (measured even at 8 limbs, ahead from 12).  For radix
-// 10^9 the compare after every addition settles one lane in about 70
-// additions, so eight lanes a compare mispredict too often; there the 256-bit
-// kernels are measured faster.
-inline constexpr std::size_t kWideLanesMin = 12;
-inline constexpr std::size_t kWideLanesSqrMin = 12;
 
 // The kernels of a basecase of shorter operand s (wideMin: kWideLanesMin for
 // a product, kWideLanesSqrMin for a square): Portable for the column sums,

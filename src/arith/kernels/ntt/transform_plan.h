@@ -15,14 +15,10 @@
 #include <cstdint>
 
 #include "arith/kernels/ntt/prime_field.h"
+#include "arith/tuning.h"
 #include "frame/radix.h"
 
 namespace tw::arith::ntt {
-
-// Blocks of at most this many words are transformed level by level while they
-// stay in the first-level cache; longer blocks run one radix-2 level over the
-// whole block and recurse into both halves.
-inline constexpr std::size_t kLeafLength = 4096;
 
 // Words after each long level's roots: one guard root w_2h^h = -1 and
 // padding that keeps the next level on a cache line.
