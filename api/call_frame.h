@@ -1,11 +1,16 @@
-// The frame every exported handle function passes through: check each handle
-// against its family's registry in argument order, stop at the first unknown
-// one (its -4 is already recorded) with the function's failure value, then
-// forward to the numbers.  No exception leaves: storage exhaustion inside an
-// operation becomes -3 with the result number zero.
+// The frame every exported handle function passes through, for every family:
+// check each handle against its family's registry in argument order, stop at
+// the first unknown one (its -4 is already recorded) with the function's
+// failure value, then forward to the objects behind the handles.  No
+// exception leaves: storage exhaustion inside an operation becomes -3 with the
+// result object cleared (a number zero, a converter empty).  The operations
+// settle their own aliasing: they see the objects, and equal handles are the
+// same object.
 #pragma once
 
+#include <cstdint>
 #include <exception>
+#include <vector>
 
 #include "frame/error_state.h"
 #include "frame/handles.h"
@@ -19,35 +24,72 @@ bool allHandlesKnown(Handles... handles) {
 
 // Queries: the operation's value, or `failure` for an unknown handle.
 template <class T, class Op, class... Handles>
-T queryNumbers(T failure, Op&& op, Handles... handles) {
+T frameQuery(T failure, Op&& op, Handles... handles) {
     if (!allHandlesKnown(handles...)) return failure;
     try {
-        return op(*handles->number...);
+        return op(Family<Handles>::object(handles)...);
     } catch (const std::exception&) {
         setLastError(kErrTooLarge);
         return failure;
     }
 }
 
-// Operations that change their first handle: returns it, or null for an
-// unknown handle.
+// Operations that change the object of their first handle: returns it, or
+// null for an unknown handle.
 template <class Op, class Result, class... Handles>
-Result updateNumbers(Op&& op, Result result, Handles... operands) {
+Result frameUpdate(Op&& op, Result result, Handles... operands) {
     if (!allHandlesKnown(result, operands...)) return nullptr;
     try {
-        op(*result->number, *operands->number...);
+        op(Family<Result>::object(result), Family<Handles>::object(operands)...);
     } catch (const std::exception&) {
         setLastError(kErrTooLarge);
-        result->number->setZero();
+        Family<Result>::clear(Family<Result>::object(result));
     }
     return result;
 }
 
-// An operand that the operation deliberately leaves unchecked: its number when
-// the handle is live, else null, with no error recorded either way.
+// The objects behind an array of handles of one family, checked in order; an
+// unknown handle, or a null array with a non-zero count, records -4.
 template <class Handle>
-typename Family<Handle>::Number* uncheckedNumber(Handle h) {
-    return Family<Handle>::registry().holds(h) ? h->number : nullptr;
+struct HandleArray {
+    std::vector<const typename Family<Handle>::Object*> objects;
+    bool known = true;
+
+    HandleArray(const Handle* handles, std::uint32_t count) {
+        if (handles == nullptr && count != 0) {
+            setLastError(kErrHandle);
+            known = false;
+            return;
+        }
+        objects.reserve(count);
+        for (std::uint32_t i = 0; i < count && known; ++i) {
+            known = Family<Handle>::registry().contains(handles[i]);
+            if (known) objects.push_back(&Family<Handle>::object(handles[i]));
+        }
+    }
+};
+
+// Operations whose operands are an array of handles (list products, vector
+// GCDs): the result handle first, then the array; null for an unknown handle.
+template <class Op, class Result, class Handle>
+Result frameUpdateFromArray(Op&& op, Result result, const Handle* handles, std::uint32_t count) {
+    if (!allHandlesKnown(result)) return nullptr;
+    try {
+        const HandleArray<Handle> operands(handles, count);
+        if (!operands.known) return nullptr;
+        op(Family<Result>::object(result), operands.objects);
+    } catch (const std::exception&) {
+        setLastError(kErrTooLarge);
+        Family<Result>::clear(Family<Result>::object(result));
+    }
+    return result;
+}
+
+// An operand that the operation deliberately leaves unchecked: its object
+// when the handle is live, else null, with no error recorded either way.
+template <class Handle>
+typename Family<Handle>::Object* uncheckedObject(Handle h) {
+    return Family<Handle>::registry().holds(h) ? &Family<Handle>::object(h) : nullptr;
 }
 
 }  // namespace tw

@@ -5,17 +5,21 @@
 #include "api/integer_family.inc"
 #include "api/integer_conversion.inc"
 #include "api/integer_text.inc"
+#include "binary/number_conversion.h"
 
 extern "C" {
 
+TW_API HI_handle TW_CALL HI_set_hx(HI_handle r, HX_handle a) {
+    return tw::frameUpdate([](Number& x, const tw::BinaryNumber& y) { tw::setFromOtherRadix(x, y); }, r, a);
+}
 TW_API uint32_t TW_CALL HI_getTailDecZeros(HI_handle h) {
-    return tw::queryNumbers(0u, [](const Number& x) { return tw::trailingDecimalZeros(x); }, h);
+    return tw::frameQuery(0u, [](const Number& x) { return tw::trailingDecimalZeros(x); }, h);
 }
 TW_API HI_handle TW_CALL HI_decLShift(HI_handle x, uint32_t k) {
-    return tw::updateNumbers([k](Number& v) { tw::arith::decimalShiftLeft(v, k); }, x);
+    return tw::frameUpdate([k](Number& v) { tw::arith::decimalShiftLeft(v, k); }, x);
 }
 TW_API HI_handle TW_CALL HI_decRShift(HI_handle x, uint32_t k) {
-    return tw::updateNumbers([k](Number& v) { tw::arith::decimalShiftRight(v, k); }, x);
+    return tw::frameUpdate([k](Number& v) { tw::arith::decimalShiftRight(v, k); }, x);
 }
 
 }  // extern "C"

@@ -25,14 +25,18 @@ namespace tw {
 
 template <class Handle> struct Family;
 
-template <> struct Family<HI_handle> {
-    using Number = DecimalNumber;
-    static HandleRegistry& registry() { return decimalRegistry(); }
+// What the call frame needs of a family: its registry, the object behind a
+// live handle, and how that object is cleared when storage runs out.
+template <class Handle, class NumberType, HandleRegistry& (*Registry)()>
+struct NumberFamily {
+    using Number = NumberType;
+    using Object = NumberType;
+    static HandleRegistry& registry() { return Registry(); }
+    static Object& object(Handle h) { return *h->number; }
+    static void clear(Object& x) { x.setZero(); }
 };
-template <> struct Family<HX_handle> {
-    using Number = BinaryNumber;
-    static HandleRegistry& registry() { return binaryRegistry(); }
-};
+template <> struct Family<HI_handle> : NumberFamily<HI_handle, DecimalNumber, decimalRegistry> {};
+template <> struct Family<HX_handle> : NumberFamily<HX_handle, BinaryNumber, binaryRegistry> {};
 
 // The number behind a live handle, or null after recording -4.
 template <class Handle>

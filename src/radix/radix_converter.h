@@ -35,11 +35,16 @@ namespace tw {
 using RadixConverter = RC_converter_;
 using Digits = std::vector<std::uint32_t>;
 
-// Converter handles are checked by the call frame like number handles; the
-// "number" behind one is the converter itself.
+// Empties the vector and clears the sign (also the state after storage ran out).
+void clearConverter(RadixConverter& c);
+
+// Converter handles pass the call frame like number handles; the object
+// behind one is the converter itself.
 template <> struct Family<RC_handle> {
-    using Number = RadixConverter;
+    using Object = RadixConverter;
     static HandleRegistry& registry() { return converterRegistry(); }
+    static Object& object(RC_handle h) { return *h; }
+    static void clear(Object& c) { clearConverter(c); }
 };
 
 // A new registered converter with an empty vector and sign +1, or null with
@@ -83,16 +88,6 @@ void setFromMachineValue(RadixConverter& c, std::int32_t sign, std::uint64_t mag
 // char or char16_t), as digits in c's radix.
 template <class Char>
 void setFromText(RadixConverter& c, const Char* text);
-
-// Empties the vector and clears the sign (also the state after storage ran out).
-void clearConverter(RadixConverter& c);
-
-// The object behind a handle of any family, for the converter call frame.
-inline RadixConverter& objectOf(RC_handle h) { return *h; }
-template <class Handle>
-auto& objectOf(Handle h) {
-    return *h->number;
-}
 
 // The value for the machine-integer readers: whether the magnitude fits 64
 // bits, the magnitude when it does, and the normalised sign.

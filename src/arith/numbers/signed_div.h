@@ -98,4 +98,33 @@ std::optional<std::int32_t> divideByInt32(SignedNumber<R>& q, const SignedNumber
     return remainder;
 }
 
+// q := a / b with the remainder into *r (r may be null): every aliasing of
+// q with a and b is safe, since the quotient is built apart and moved in.  A
+// remainder that is a or b itself is left alone and the quotient is zero: the
+// library's long-standing rule for that call.
+template <class R>
+void divideWithRemainder(SignedNumber<R>& q, SignedNumber<R>* r, const SignedNumber<R>& a, const SignedNumber<R>& b) {
+    SignedNumber<R> fresh;
+    if (r != &a && r != &b) divideSigned(fresh, r, a, b);
+    q.swap(fresh);
+}
+
+// r := a mod b (truncated, a's sign), r may be a or b.
+template <class R>
+void remainder(SignedNumber<R>& r, const SignedNumber<R>& a, const SignedNumber<R>& b) {
+    SignedNumber<R> quotient, rest;
+    divideSigned(quotient, &rest, a, b);
+    r.swap(rest);
+}
+
+// q := a / d for a signed 32-bit d, the remainder into *rest when there is
+// one (divideByInt32's convention); q may be a.
+template <class R>
+void divideByInt32Into(SignedNumber<R>& q, const SignedNumber<R>& a, std::int32_t d, std::int32_t* rest) {
+    SignedNumber<R> quotient;
+    const auto r = divideByInt32(quotient, a, d);
+    if (r && rest != nullptr) *rest = *r;
+    q.swap(quotient);
+}
+
 }  // namespace tw::arith

@@ -11,8 +11,9 @@
 
 namespace tw::arith {
 
-// target := |a| * |b|.  target may be a or b: the product is built in a fresh
-// record and then takes target's place.
+// target := |a| * |b|.  A target distinct from a and b takes the product in
+// its own storage (its capacity reused); a target that is a or b gets it
+// built in a fresh record that then takes its place.
 template <class R>
 void replaceWithProduct(NumberRecord& target, const NumberRecord& a, const NumberRecord& b) {
     if (terminateRequested() || a.isZero() || b.isZero()) {
@@ -23,7 +24,10 @@ void replaceWithProduct(NumberRecord& target, const NumberRecord& a, const Numbe
     if (as.length < bs.length) std::swap(as, bs);
     const std::size_t offset = as.offset + bs.offset;
     const std::size_t limbs = offset + as.length + bs.length;
-    NumberRecord out;
+    const bool distinct = &target != &a && &target != &b;
+    NumberRecord fresh;
+    NumberRecord& out = distinct ? target : fresh;
+    if (distinct) dropTextBuffers(target);
     if (!prepareResult(out, limbs)) {
         setRecordZero(target);
         return;
@@ -36,12 +40,14 @@ void replaceWithProduct(NumberRecord& target, const NumberRecord& a, const Numbe
         setRecordZero(target);
         return;
     }
-    installResult(target, std::move(out), limbs);
+    if (distinct)
+        normalizeIndices(target, std::uint32_t(limbs));
+    else
+        installResult(target, std::move(fresh), limbs);
 }
 
-// target := a * b, a square when a and b are one object.  target may be a or
-// b: the product is built in a fresh record, so a distinct result needs no
-// copy of an operand first.  A zero operand gives zero and a factor of +-1
+// target := a * b, a square when a and b are one object, for any aliasing of
+// target with a and b; a distinct result needs no copy of an operand first.  A zero operand gives zero and a factor of +-1
 // the other operand with its sign adjusted; a raised terminate flag makes
 // the product zero.
 template <class R>
