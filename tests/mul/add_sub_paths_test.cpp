@@ -81,8 +81,8 @@ Limb applyPortable(Op op, Limb* out, const Limb* a, const Limb* b, std::size_t n
     switch (op) {
         case Op::Add: return addSameLengthPortable<R>(out, a, b, n, carry);
         case Op::Sub: return subSameLengthPortable<R>(out, a, b, n, carry);
-        case Op::CombineAdd: return combineSameLengthPortable<R, false>(out, a, b, n);
-        default: return combineSameLengthPortable<R, true>(out, a, b, n);
+        case Op::CombineAdd: return combineSameLengthTwoChains<R, false>(out, a, b, n);
+        default: return combineSameLengthTwoChains<R, true>(out, a, b, n);
     }
 }
 
@@ -325,7 +325,7 @@ TYPED_TEST(AddSubPaths, UnequalSpansAndInPlaceHelpers) {
                 mpz_add(want.v, toMpz<R>(a).v, toMpz<R>(b).v);
                 EXPECT_EQ(mpz_cmp(toMpz<R>(sum).v, want.v), 0) << pathName(path) << " " << an << " + " << bn;
                 // a + b - b = a, in place.
-                tw::arith::subtractInPlace<R>(sum.data(), an + 1, b.data(), bn);
+                tw::arith::subtractSpanInPlace<R>(sum.data(), an + 1, b.data(), bn);
                 EXPECT_EQ(Limbs(sum.begin(), sum.begin() + an), a) << pathName(path);
                 EXPECT_EQ(sum[an], 0u);
                 // |b - a| both ways, with the sign.

@@ -6,9 +6,11 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "arith/kernels/radix_traits.h"
 #include "arith/tuning.h"
 #include "frame/kernel_paths.h"
 #include "frame/radix.h"
+#include "frame/span_contracts.h"
 
 namespace tw::arith {
 
@@ -46,6 +48,7 @@ Limb addSameLengthPortable(Limb* out, const Limb* a, const Limb* b, std::size_t 
 // out may equal a or b.
 template <class R>
 Limb addSameLength(Limb* out, const Limb* a, const Limb* b, std::size_t n, Limb carry = 0) {
+    assert(spansSameOrDisjoint(out, n, a, n) && spansSameOrDisjoint(out, n, b, n));
     if (useWideAddSub(n)) return addSameLengthWide<R>(out, a, b, n, carry);
     return addSameLengthPortable<R>(out, a, b, n, carry);
 }
@@ -86,6 +89,7 @@ Limb subSameLengthPortable(Limb* out, const Limb* a, const Limb* b, std::size_t 
 // out[0..n) := a[0..n) - b[0..n) - borrow; returns the borrow.  out may equal a or b.
 template <class R>
 Limb subSameLength(Limb* out, const Limb* a, const Limb* b, std::size_t n, Limb borrow = 0) {
+    assert(spansSameOrDisjoint(out, n, a, n) && spansSameOrDisjoint(out, n, b, n));
     if (useWideAddSub(n)) return subSameLengthWide<R>(out, a, b, n, borrow);
     return subSameLengthPortable<R>(out, a, b, n, borrow);
 }
@@ -110,8 +114,23 @@ Limb subSpans(Limb* out, const Limb* a, std::size_t an, const Limb* b, std::size
     return subBorrow<R>(out + bn, a + bn, an - bn, borrow);
 }
 
-// out[0..n) := a[0..n) * m + carryIn; returns the carry out, which may exceed
-// one limb (below 2^32 * radix / radix = 2^32 + 1 limbs' worth: below 2^33).
+// out[0..n] := a[0..n) * m, m < radix (the top limb out[n] is the carry).
+// out may equal a.  One row of the schoolbook method; mulByWord below
+// takes any 32-bit m at the cost of a 128-bit division a limb.
+template <class R>
+void mulByLimb(Limb* out, const Limb* a, std::size_t n, Limb m) {
+    using T = MulTraits<R>;
+    std::uint64_t carry = 0;
+    for (std::size_t i = 0; i < n; ++i) {
+        const std::uint64_t t = std::uint64_t(a[i]) * m + carry;
+        out[i] = T::low(t);
+        carry = T::high(t);
+    }
+    out[n] = Limb(carry);
+}
+
+// out[0..n) := a[0..n) * m + carryIn for any 32-bit m; returns the carry out,
+// which may exceed one limb (below 2^32 * radix / radix = 2^32 + 1 limbs' worth: below 2^33).
 // out may equal a.
 template <class R>
 std::uint64_t mulByWord(Limb* out, const Limb* a, std::size_t n, std::uint32_t m, std::uint64_t carry = 0) {

@@ -9,6 +9,7 @@
 #include "arith/kernels/divide_by_limb.h"
 #include "arith/kernels/reciprocal.h"
 #include "frame/error_state.h"
+#include "frame/span_contracts.h"
 
 namespace tw::arith {
 
@@ -31,7 +32,7 @@ void divideMagnitude(Limb* q, Limb* r, const Limb* a, std::size_t an, const Limb
     b += low;
     bn -= low;
 
-    const std::size_t al = significantLength(a, an);
+    const std::size_t al = trimmedLengthAtLeastOne(a, an);
     if (al < bn || (al == bn && compareSameLength(a, b, bn) < 0)) {
         std::fill(q, q + qn, 0);
         if (r) {
@@ -83,6 +84,9 @@ void divideMagnitude(Limb* q, Limb* r, const Limb* a, std::size_t an, const Limb
 
 template <class R>
 void divide(Limb* q, Limb* r, const Limb* a, std::size_t an, const Limb* b, std::size_t bn) {
+    assert(bn >= 1 && an >= bn && b[bn - 1] != 0);
+    assert(spansDisjoint(q, an - bn + 1, a, an) && spansDisjoint(q, an - bn + 1, b, bn));
+    assert(r == nullptr || (spansDisjoint(r, bn, a, an) && spansDisjoint(r, bn, b, bn) && spansDisjoint(r, bn, q, an - bn + 1)));
     if (terminateRequested()) return;
     divideMagnitude<R>(q, r, a, an, b, bn, nullptr, 0);
 }

@@ -88,9 +88,9 @@ int divideBlock(std::vector<Limb>& scratch, Limb* q, std::size_t qn, Limb* r, co
     // The reciprocal at precision n is v without its p - n lowest limbs; the
     // dividend's lowest dn - 2 limbs do not reach the estimate.
     const Limb* vn = v + (p - n);
-    const std::size_t vl = significantLength(vn, n + 2);
+    const std::size_t vl = trimmedLengthAtLeastOne(vn, n + 2);
     const Limb* ahi = a + (dn - 2);
-    const std::size_t ahl = significantLength(ahi, n + 1);
+    const std::size_t ahl = trimmedLengthAtLeastOne(ahi, n + 1);
 
     // One buffer: the estimate's product, the estimate Q (n + 1 limbs: it may
     // be one above a quotient of n limbs), Q * D, and A - Q * D.  Taken
@@ -121,7 +121,7 @@ int divideBlock(std::vector<Limb>& scratch, Limb* q, std::size_t qn, Limb* r, co
     if (terminateRequested()) return 0;
     std::fill(qe, qe + n + 1, 0);
     if (el > n + 2) std::copy(estimateProduct + n + 2, estimateProduct + std::min(el, 2 * n + 3), qe);
-    const std::size_t ql = significantLength(qe, n + 1);
+    const std::size_t ql = trimmedLengthAtLeastOne(qe, n + 1);
 
     int correction = 0;
     if (length) {

@@ -6,17 +6,12 @@
 #include <cstddef>
 
 #include "arith/kernels/fast_product.h"
+#include "arith/kernels/mul_span_ops.h"
 #include "arith/kernels/ntt/cyclic_multiply.h"
 #include "arith/tuning.h"
 #include "frame/radix.h"
 
 namespace tw::arith {
-
-// Length of x[0..n) without its zero top limbs, at least 1.
-inline std::size_t significantLength(const Limb* x, std::size_t n) {
-    while (n > 1 && x[n - 1] == 0) --n;
-    return n;
-}
 
 // Reciprocal precision for dividing by a divisor of dn limbs: one block then
 // takes a dividend of dn + max(dn, kMinBlockQuotientLimbs) limbs.

@@ -23,7 +23,7 @@ void karatsubaCombine(Limb* out, std::size_t total, std::size_t h, const Limb* P
     zeroLimbs(mid + highN, tn - highN);
     addAt<R>(mid, tn, 0, out, 2 * h);
     if (subtract)
-        subtractInPlace<R>(mid, tn, P, pn);
+        subtractSpanInPlace<R>(mid, tn, P, pn);
     else
         addAt<R>(mid, tn, 0, P, pn);
     addAt<R>(out, total, h, mid, tn);

@@ -18,6 +18,11 @@ inline std::size_t trimmedLength(const Limb* p, std::size_t n) {
     while (n > 0 && p[n - 1] == 0) --n;
     return n;
 }
+// The same, but a zero value keeps one limb (the division's spans).
+inline std::size_t trimmedLengthAtLeastOne(const Limb* p, std::size_t n) {
+    while (n > 1 && p[n - 1] == 0) --n;
+    return n;
+}
 
 // Count of zero limbs at the bottom of p[0..n), n >= 1 and p not all zero.
 inline std::size_t lowZeroLimbs(const Limb* p) {
@@ -54,7 +59,7 @@ inline Limb limbStep(Limb a, Limb b, Limb& carry) {
 // a or b.  Scalar: the two halves run as two independent carry chains, which
 // the processor overlaps, and the lower half's carry then moves into the upper.
 template <class R, bool Subtract>
-Limb combineSameLengthPortable(Limb* out, const Limb* a, const Limb* b, std::size_t n) {
+Limb combineSameLengthTwoChains(Limb* out, const Limb* a, const Limb* b, std::size_t n) {
     const std::size_t h = n / 2;
     Limb low = 0, high = 0;
     for (std::size_t i = 0; i < h; ++i) {
@@ -73,7 +78,7 @@ template <class R, bool Subtract>
 Limb combineSameLength(Limb* out, const Limb* a, const Limb* b, std::size_t n) {
     if (useWideAddSub(n))
         return Subtract ? subSameLengthWide<R>(out, a, b, n, 0) : addSameLengthWide<R>(out, a, b, n, 0);
-    return combineSameLengthPortable<R, Subtract>(out, a, b, n);
+    return combineSameLengthTwoChains<R, Subtract>(out, a, b, n);
 }
 
 // out[0..an) := a[0..an) +- b[0..bn), an >= bn; returns the carry (borrow).
@@ -121,7 +126,7 @@ void addAt(Limb* out, std::size_t outN, std::size_t off, const Limb* x, std::siz
 
 // a[0..an) -= b[0..bn), an >= bn after trimming b; a must stay non-negative.
 template <class R>
-void subtractInPlace(Limb* a, std::size_t an, const Limb* b, std::size_t bn) {
+void subtractSpanInPlace(Limb* a, std::size_t an, const Limb* b, std::size_t bn) {
     bn = trimmedLength(b, bn);
     assert(bn <= an);
     [[maybe_unused]] const Limb borrow = combineSpans<R, true>(a, a, an, b, bn);
@@ -169,20 +174,6 @@ void divideExactInPlace(Limb* a, std::size_t n) {
         rem = cur % D;
     }
     assert(rem == 0);
-}
-
-// out[0..n] := a[0..n) * m, m < radix (the top limb out[n] is the carry).
-// out may equal a.  One row of the schoolbook method.
-template <class R>
-void mulByLimb(Limb* out, const Limb* a, std::size_t n, Limb m) {
-    using T = MulTraits<R>;
-    std::uint64_t carry = 0;
-    for (std::size_t i = 0; i < n; ++i) {
-        const std::uint64_t t = std::uint64_t(a[i]) * m + carry;
-        out[i] = T::low(t);
-        carry = T::high(t);
-    }
-    out[n] = Limb(carry);
 }
 
 }  // namespace tw::arith

@@ -41,8 +41,8 @@ void toom32(Limb* out, const Limb* L, std::size_t l, const Limb* S, std::size_t 
     Limb* even = frame.take(wn + 1);
     Limb* odd = frame.take(wn + 1);
     toomHalfSumAndDifference<R>(even, odd, w1, wm1, negA != negB, wn);
-    subtractInPlace<R>(even, wn + 1, out, 2 * k);
-    subtractInPlace<R>(odd, wn + 1, out + 3 * k, total - 3 * k);
+    subtractSpanInPlace<R>(even, wn + 1, out, 2 * k);
+    subtractSpanInPlace<R>(odd, wn + 1, out + 3 * k, total - 3 * k);
     addAt<R>(out, total, k, odd, wn + 1);
     addAt<R>(out, total, 2 * k, even, wn + 1);
 }

@@ -61,7 +61,7 @@ void toomHalfSumAndDifference(Limb* half, Limb* halfDiff, const Limb* w1, const 
     addPadded<R>(plus, wn + 1, w1, wn, wm1, wn);
     copyLimbs(minus, w1, wn);
     minus[wn] = 0;
-    subtractInPlace<R>(minus, wn + 1, wm1, wn);
+    subtractSpanInPlace<R>(minus, wn + 1, wm1, wn);
     divideExactInPlace<R, 2>(half, wn + 1);
     divideExactInPlace<R, 2>(halfDiff, wn + 1);
 }
@@ -84,17 +84,17 @@ void toomInterpolate5(Limb* out, std::size_t total, std::size_t k, const Limb* w
     const Limb* c4 = out + 4 * k;
     const std::size_t c4n = total - 4 * k;
     Limb* c2 = even;
-    subtractInPlace<R>(c2, wn + 1, c0, 2 * k);
-    subtractInPlace<R>(c2, wn + 1, c4, c4n);
+    subtractSpanInPlace<R>(c2, wn + 1, c0, 2 * k);
+    subtractSpanInPlace<R>(c2, wn + 1, c4, c4n);
     Limb* c3 = w2;
-    subtractInPlace<R>(c3, wn, c0, 2 * k);
+    subtractSpanInPlace<R>(c3, wn, c0, 2 * k);
     subtractMultipleInPlace<R>(c3, wn, c2, wn + 1, 4);
     subtractMultipleInPlace<R>(c3, wn, c4, c4n, 16);
     subtractMultipleInPlace<R>(c3, wn, odd, wn + 1, 2);
     divideExactInPlace<R, 2>(c3, wn);
     divideExactInPlace<R, 3>(c3, wn);
     Limb* c1 = odd;
-    subtractInPlace<R>(c1, wn + 1, c3, wn);
+    subtractSpanInPlace<R>(c1, wn + 1, c3, wn);
     addAt<R>(out, total, k, c1, wn + 1);
     addAt<R>(out, total, 2 * k, c2, wn + 1);
     addAt<R>(out, total, 3 * k, c3, wn);

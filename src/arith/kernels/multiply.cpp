@@ -14,6 +14,7 @@
 #include "arith/kernels/sqr_basecase.h"
 #include "arith/tuning.h"
 #include "frame/error_state.h"
+#include "frame/span_contracts.h"
 
 namespace tw::arith {
 
@@ -119,12 +120,16 @@ std::size_t mulScratchEstimate(std::size_t longer, std::size_t shorter) {
 
 template <class R>
 void multiply(Limb* out, const Limb* a, std::size_t an, const Limb* b, std::size_t bn) {
+    assert(an >= 1 && bn >= 1);
+    assert(spansDisjoint(out, an + bn, a, an) && spansDisjoint(out, an + bn, b, bn));
     LimbScratch scratch(mulScratchEstimate(std::max(an, bn), std::min(an, bn)));
     mulLadder<R>(out, a, an, b, bn, scratch);
 }
 
 template <class R>
 void multiplyWideBasecase(Limb* out, const Limb* a, std::size_t an, const Limb* b, std::size_t bn) {
+    assert(an >= 1 && bn >= 1);
+    assert(spansDisjoint(out, an + bn, a, an) && spansDisjoint(out, an + bn, b, bn));
     LimbScratch scratch(mulScratchEstimate(std::max(an, bn), std::min(an, bn)));
     if (R::isBinary && basecasePathFor<R>(kWideBasecaseMax) == KernelPath::Avx512)
         scratch.setBasecaseMax(kWideBasecaseMax);
@@ -133,6 +138,7 @@ void multiplyWideBasecase(Limb* out, const Limb* a, std::size_t an, const Limb* 
 
 template <class R>
 void square(Limb* out, const Limb* a, std::size_t n) {
+    assert(n >= 1 && spansDisjoint(out, 2 * n, a, n));
     LimbScratch scratch(mulScratchEstimate(n, n));
     sqrLadder<R>(out, a, n, scratch);
 }

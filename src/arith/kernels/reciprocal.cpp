@@ -66,7 +66,7 @@ template <class R>
 void newtonStep(Limb* v, std::size_t h, std::size_t k, const Limb* d, std::size_t dn, ProductRule rule,
                 std::vector<Limb>& product, std::vector<Limb>& correction) {
     const std::size_t t = std::min(dn, k + 2);
-    const std::size_t vl = significantLength(v, h + 2);
+    const std::size_t vl = trimmedLengthAtLeastOne(v, h + 2);
     const std::size_t whole = t + h;  // position of radix^(t+h)
 
     // |T| into p[0..tl), and its sign.
@@ -88,7 +88,7 @@ void newtonStep(Limb* v, std::size_t h, std::size_t k, const Limb* d, std::size_
         negative = p[length - 1] == 0;
         if (!negative)
             for (std::size_t i = 0; i < length; ++i) p[i] = R::base - 1 - p[i];
-        tl = significantLength(p, length);
+        tl = trimmedLengthAtLeastOne(p, length);
         assert(tl <= t + 1);
     } else {
         product.resize(t + vl);
@@ -101,7 +101,7 @@ void newtonStep(Limb* v, std::size_t h, std::size_t k, const Limb* d, std::size_
             subBorrow<R>(p + whole, p + whole, pl - whole, 1);
         else
             complement<R>(p, whole);
-        tl = significantLength(p, negative ? pl : whole);
+        tl = trimmedLengthAtLeastOne(p, negative ? pl : whole);
     }
 
     // C = V_h * (|T| >> s) >> e limbs.
@@ -113,7 +113,7 @@ void newtonStep(Limb* v, std::size_t h, std::size_t k, const Limb* d, std::size_
         correction.resize(vl + thl);
         multiplyBy<R>(rule, correction.data(), v, vl, p + s, thl);
         if (terminateRequested()) return;
-        if (vl + thl > e) cl = significantLength(correction.data() + e, vl + thl - e);
+        if (vl + thl > e) cl = trimmedLengthAtLeastOne(correction.data() + e, vl + thl - e);
     }
 
     // V_k = V_h radix^(k-h) +- C.

@@ -10,6 +10,7 @@
 #include "arith/kernels/ntt/transform_lengths.h"
 #include "arith/tuning.h"
 #include "frame/error_state.h"
+#include "frame/span_contracts.h"
 
 namespace tw::arith {
 
@@ -101,6 +102,7 @@ void reduceCyclic(Limb* out, std::size_t length, const Limb* a, std::size_t an) 
 
 template <class R>
 void cyclicMultiply(Limb* out, std::size_t length, const Limb* a, std::size_t an, const Limb* b, std::size_t bn) {
+    assert(spansDisjoint(out, length, a, an) && spansDisjoint(out, length, b, bn));
     using namespace ntt;
     assert(length >= 4 && length <= kTransformMaxLength && roundTransformLength(length) == length);
     if (terminateRequested()) return;

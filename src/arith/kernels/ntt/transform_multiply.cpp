@@ -14,6 +14,7 @@
 #include "arith/kernels/ntt/transform_lengths.h"
 #include "arith/tuning.h"
 #include "frame/error_state.h"
+#include "frame/span_contracts.h"
 
 namespace tw::arith {
 
@@ -119,6 +120,7 @@ bool transformFits(std::size_t shorterLength) {
 
 template <class R>
 void transformMultiply(Limb* out, const Limb* a, std::size_t an, const Limb* b, std::size_t bn) {
+    assert(spansDisjoint(out, an + bn, a, an) && spansDisjoint(out, an + bn, b, bn));
     using namespace ntt;
     const std::size_t total = an + bn;
     Span longer = trimmed(a, an), shorter = trimmed(b, bn);
@@ -157,6 +159,7 @@ void transformMultiply(Limb* out, const Limb* a, std::size_t an, const Limb* b, 
 
 template <class R>
 void transformSquare(Limb* out, const Limb* a, std::size_t n) {
+    assert(spansDisjoint(out, 2 * n, a, n));
     using namespace ntt;
     const Span x = trimmed(a, n);
     const std::size_t length = roundTransformLength(2 * x.length);
