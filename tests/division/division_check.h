@@ -7,9 +7,16 @@
 
 #include <string>
 
+#include "arith/kernels/mul_scratch.h"
 #include "support/limb_oracle.h"
 
 namespace twtest {
+
+// The scratch arena the division kernels take, shared by the tests of a thread.
+inline tw::arith::LimbScratch& divisionScratch() {
+    thread_local tw::arith::LimbScratch scratch;
+    return scratch;
+}
 
 using Radices = ::testing::Types<tw::DecimalRadix, tw::BinaryRadix>;
 

@@ -105,10 +105,10 @@ void runKeptDivisions(LimbGenerator& gen, const Limbs& d, std::size_t p, long sh
         const std::size_t qn = a.size() - dn + 1;
         if (qn > p) continue;
         Limbs q(qn + 1, kSentinel), r(dn + 1, kSentinel), q0(qn + 1, kSentinel), r0(dn + 1, kSentinel);
-        tw::arith::divideByReciprocal<R>(q.data(), qn, r.data(), a.data(), a.size(), d.data(), dn, v.data(), p,
+        tw::arith::divideByReciprocal<R>(twtest::divisionScratch(), q.data(), qn, r.data(), a.data(), a.size(), d.data(), dn, v.data(), p,
                                          ProductRule::Fastest, &kept);
         ASSERT_TRUE(matchesGmp<R>(a, d, q.data(), qn, r.data())) << dn << " limbs, quotient " << qn;
-        tw::arith::divideByReciprocal<R>(q0.data(), qn, r0.data(), a.data(), a.size(), d.data(), dn, v.data(), p,
+        tw::arith::divideByReciprocal<R>(twtest::divisionScratch(), q0.data(), qn, r0.data(), a.data(), a.size(), d.data(), dn, v.data(), p,
                                          ProductRule::Fastest);
         ASSERT_EQ(q, q0);
         ASSERT_EQ(r, r0);
@@ -164,7 +164,7 @@ TYPED_TEST(KeptTransformsTest, TerminateLeavesNothingHalfMade) {
     KeptTransforms kept;
     Limbs q(p + 1), r(d.size() + 1);
     TW_setTerminate(1);
-    tw::arith::divideByReciprocal<R>(q.data(), p, r.data(), a.data(), a.size(), d.data(), d.size(), v.data(), p,
+    tw::arith::divideByReciprocal<R>(twtest::divisionScratch(), q.data(), p, r.data(), a.data(), a.size(), d.data(), d.size(), v.data(), p,
                                      ProductRule::Fastest, &kept);
     TW_setTerminate(0);
     EXPECT_EQ(kept.words(), 0u);

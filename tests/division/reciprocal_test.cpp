@@ -105,7 +105,7 @@ TYPED_TEST(ReciprocalTest, EstimateIsWithinOneAndCorrectsEitherWay) {
                 v = limbsOf<R>(edge, p + 2);
             }
             Limbs q(n + 1, kSentinel), r(dn + 1, kSentinel);
-            const int c = tw::arith::divideByReciprocal<R>(q.data(), n, r.data(), a.data(), a.size(), b.data(), dn,
+            const int c = tw::arith::divideByReciprocal<R>(twtest::divisionScratch(), q.data(), n, r.data(), a.data(), a.size(), b.data(), dn,
                                                            v.data(), p);
             ASSERT_TRUE(c >= -1 && c <= 1);
             ++corrections[c + 1];
@@ -128,7 +128,7 @@ TYPED_TEST(ReciprocalTest, BlocksReuseOneReciprocal) {
                     const Limbs a = gen.limbs<R>(an);
                     const std::size_t qn = an - dn + 1;
                     Limbs q(qn + 1, kSentinel), r(dn + 1, kSentinel);
-                    tw::arith::divideInBlocks<R>(q.data(), r.data(), a.data(), an, d.data(), dn, v.data(), p);
+                    tw::arith::divideInBlocks<R>(twtest::divisionScratch(), q.data(), r.data(), a.data(), an, d.data(), dn, v.data(), p);
                     EXPECT_TRUE(matchesGmp<R>(a, d, q.data(), qn, r.data())) << "precision " << p;
                 }
             }

@@ -91,7 +91,7 @@ TYPED_TEST(ResidueCheckTest, SingleCorrectionEitherWayAtEveryShape) {
                     const Limbs v = shiftedReciprocal<R>(b, p, shift);
                     for (const ProductRule rule : kRules) {
                         Limbs q(n + 1, kSentinel), r(dn + 1, kSentinel);
-                        const int c = tw::arith::divideByReciprocal<R>(q.data(), n, r.data(), a.data(), a.size(),
+                        const int c = tw::arith::divideByReciprocal<R>(twtest::divisionScratch(), q.data(), n, r.data(), a.data(), a.size(),
                                                                        b.data(), dn, v.data(), p, rule);
                         ASSERT_TRUE(c >= -1 && c <= 1);
                         ++corrections[c + 1];
@@ -122,7 +122,7 @@ TYPED_TEST(ResidueCheckTest, BlocksAndDivide) {
                 const std::size_t qn = an - dn + 1;
                 for (const ProductRule rule : kRules) {
                     Limbs q(qn + 1, kSentinel), r(dn + 1, kSentinel);
-                    tw::arith::divideInBlocks<R>(q.data(), r.data(), a.data(), an, d.data(), dn, v.data(), p, rule);
+                    tw::arith::divideInBlocks<R>(twtest::divisionScratch(), q.data(), r.data(), a.data(), an, d.data(), dn, v.data(), p, rule);
                     ASSERT_TRUE(matchesGmp<R>(a, d, q.data(), qn, r.data())) << dn << " by " << an;
                 }
             }

@@ -48,7 +48,8 @@ void ChunkPowers<R>::divide(unsigned i, Limb* q, Limb* r, const Limb* a, std::si
     const std::size_t m = dn - low;          // the divisor above its zero limbs
     const std::size_t n = an - dn + 1;       // quotient limbs at most
     if (m < 2 || n < 2) {                    // no reciprocal needed
-        arith::divideMagnitude<R>(q, r, a, an, d.data(), dn, nullptr, 0, arith::ProductRule::Fastest);
+        arith::LimbScratch scratch(arith::divideScratchLimbs(an, dn));
+        arith::divideMagnitude<R>(scratch, q, r, a, an, d.data(), dn, nullptr, 0, arith::ProductRule::Fastest);
         return;
     }
     if (reciprocals_.size() <= i) reciprocals_.resize(i + 1);
@@ -62,8 +63,9 @@ void ChunkPowers<R>::divide(unsigned i, Limb* q, Limb* r, const Limb* a, std::si
         if (terminateRequested()) return;
         rec.precision = p;
     }
-    arith::divideMagnitude<R>(q, r, a, an, d.data(), dn, rec.v.data(), rec.precision, arith::ProductRule::Fastest,
-                              dn <= kKeptTransformsMaxLimbs ? &rec.kept : nullptr);
+    arith::LimbScratch scratch(arith::divideScratchLimbs(an, dn));
+    arith::divideMagnitude<R>(scratch, q, r, a, an, d.data(), dn, rec.v.data(), rec.precision,
+                              arith::ProductRule::Fastest, dn <= kKeptTransformsMaxLimbs ? &rec.kept : nullptr);
 }
 
 template <class R>

@@ -14,8 +14,8 @@
 namespace tw::arith {
 
 template <class R>
-void divideMagnitude(Limb* q, Limb* r, const Limb* a, std::size_t an, const Limb* b, std::size_t bn,
-                     const Limb* v, std::size_t p, ProductRule rule, KeptTransforms* kept) {
+void divideMagnitude(LimbScratch& scratch, Limb* q, Limb* r, const Limb* a, std::size_t an, const Limb* b,
+                     std::size_t bn, const Limb* v, std::size_t p, ProductRule rule, KeptTransforms* kept) {
     const std::size_t qn = an - bn + 1;
 
     // Zero limbs at the bottom of B are not divided: the limbs of A beside
@@ -52,12 +52,8 @@ void divideMagnitude(Limb* q, Limb* r, const Limb* a, std::size_t an, const Limb
 
     if (n == 1 || (n == 2 && compareSameLength(a + 1, b, bn) < 0)) {
         // The quotient is a single limb.
-        std::vector<Limb> scratch;
-        Limb* rem = r;
-        if (!rem) {
-            scratch.resize(bn);
-            rem = scratch.data();
-        }
+        LimbScratch::Frame frame(scratch);
+        Limb* rem = r ? r : frame.take(bn);
         q[0] = divideOneQuotientLimb<R>(rem, a, al, b, bn);
         if (n == 2) q[1] = 0;
         return;
@@ -66,20 +62,20 @@ void divideMagnitude(Limb* q, Limb* r, const Limb* a, std::size_t an, const Limb
     // A long quotient.  Without a given reciprocal, one of the quotient's
     // precision serves a dividend of up to about 2 bn limbs; longer dividends
     // go in blocks of bn (at least kMinBlockQuotientLimbs) quotient limbs.
-    std::vector<Limb> own;
+    LimbScratch::Frame frame(scratch);
     if (!v) {
         p = std::min(n, blockPrecision(bn));
         if (n <= bn + 1 && n >= 2 * kMinBlockQuotientLimbs && n <= kHalfReciprocalMaxQuotientLimbs)
             p = (n + 1) / 2 + 1;
-        own.resize(reciprocalLimbs(p));
-        reciprocal<R>(own.data(), b, bn, p, rule);
+        Limb* own = frame.take(reciprocalLimbs(p));
+        reciprocal<R>(own, b, bn, p, rule);
         if (terminateRequested()) return;
-        v = own.data();
+        v = own;
     }
     if (n <= p)
-        divideByReciprocal<R>(q, n, r, a, al, b, bn, v, p, rule, kept);
+        divideByReciprocal<R>(scratch, q, n, r, a, al, b, bn, v, p, rule, kept);
     else
-        divideInBlocks<R>(q, r, a, al, b, bn, v, p, rule);
+        divideInBlocks<R>(scratch, q, r, a, al, b, bn, v, p, rule);
 }
 
 template <class R>
@@ -88,13 +84,14 @@ void divide(Limb* q, Limb* r, const Limb* a, std::size_t an, const Limb* b, std:
     assert(spansDisjoint(q, an - bn + 1, a, an) && spansDisjoint(q, an - bn + 1, b, bn));
     assert(r == nullptr || (spansDisjoint(r, bn, a, an) && spansDisjoint(r, bn, b, bn) && spansDisjoint(r, bn, q, an - bn + 1)));
     if (terminateRequested()) return;
-    divideMagnitude<R>(q, r, a, an, b, bn, nullptr, 0);
+    LimbScratch scratch(divideScratchLimbs(an, bn));
+    divideMagnitude<R>(scratch, q, r, a, an, b, bn, nullptr, 0);
 }
 
-template void divideMagnitude<DecimalRadix>(Limb*, Limb*, const Limb*, std::size_t, const Limb*, std::size_t,
-                                            const Limb*, std::size_t, ProductRule, KeptTransforms*);
-template void divideMagnitude<BinaryRadix>(Limb*, Limb*, const Limb*, std::size_t, const Limb*, std::size_t,
-                                           const Limb*, std::size_t, ProductRule, KeptTransforms*);
+template void divideMagnitude<DecimalRadix>(LimbScratch&, Limb*, Limb*, const Limb*, std::size_t, const Limb*,
+                                            std::size_t, const Limb*, std::size_t, ProductRule, KeptTransforms*);
+template void divideMagnitude<BinaryRadix>(LimbScratch&, Limb*, Limb*, const Limb*, std::size_t, const Limb*,
+                                           std::size_t, const Limb*, std::size_t, ProductRule, KeptTransforms*);
 template void divide<DecimalRadix>(Limb*, Limb*, const Limb*, std::size_t, const Limb*, std::size_t);
 template void divide<BinaryRadix>(Limb*, Limb*, const Limb*, std::size_t, const Limb*, std::size_t);
 

@@ -75,10 +75,10 @@ const CyclicFactor& keptEstimate(KeptTransforms& kept, std::size_t n, std::size_
     return e.factor;
 }
 
-// divideByReciprocal with its temporaries in `scratch`, which the block loop
-// keeps from one block to the next.
+// divideByReciprocal: the block's temporaries are one frame of `scratch`, so
+// the block loop reuses the same limbs from one block to the next.
 template <class R>
-int divideBlock(std::vector<Limb>& scratch, Limb* q, std::size_t qn, Limb* r, const Limb* a, std::size_t an,
+int divideBlock(LimbScratch& scratch, Limb* q, std::size_t qn, Limb* r, const Limb* a, std::size_t an,
                 const Limb* d, std::size_t dn, const Limb* v, std::size_t p, ProductRule rule,
                 KeptTransforms* kept = nullptr) {
     assert(dn >= 2 && d[dn - 1] != 0 && an >= dn);
@@ -100,8 +100,8 @@ int divideBlock(std::vector<Limb>& scratch, Limb* q, std::size_t qn, Limb* r, co
     if (length && !cyclicIsCheaper<R>(n + 1, dn, length)) length = 0;
     const std::size_t ql0 = length ? length : n + 1 + dn;
     const std::size_t dl = length ? length : std::max(an, n + 1 + dn);
-    scratch.resize(el + (n + 1) + ql0 + dl);
-    Limb* estimateProduct = scratch.data();
+    LimbScratch::Frame frame(scratch);
+    Limb* estimateProduct = frame.take(el + (n + 1) + ql0 + dl);
     Limb* qe = estimateProduct + el;
     Limb* qd = qe + (n + 1);
     Limb* diff = qd + ql0;
@@ -167,15 +167,14 @@ int divideBlock(std::vector<Limb>& scratch, Limb* q, std::size_t qn, Limb* r, co
 }  // namespace
 
 template <class R>
-int divideByReciprocal(Limb* q, std::size_t qn, Limb* r, const Limb* a, std::size_t an,
+int divideByReciprocal(LimbScratch& scratch, Limb* q, std::size_t qn, Limb* r, const Limb* a, std::size_t an,
                        const Limb* d, std::size_t dn, const Limb* v, std::size_t p, ProductRule rule,
                        KeptTransforms* kept) {
-    std::vector<Limb> scratch;
     return divideBlock<R>(scratch, q, qn, r, a, an, d, dn, v, p, rule, kept);
 }
 
 template <class R>
-void divideInBlocks(Limb* q, Limb* r, const Limb* a, std::size_t an,
+void divideInBlocks(LimbScratch& scratch, Limb* q, Limb* r, const Limb* a, std::size_t an,
                     const Limb* d, std::size_t dn, const Limb* v, std::size_t p, ProductRule rule) {
     assert(p >= 2 && an >= dn);
     const std::size_t k = p - 1;  // quotient limbs a block
@@ -183,8 +182,8 @@ void divideInBlocks(Limb* q, Limb* r, const Limb* a, std::size_t an,
     // The top block takes the odd part, so that the others are whole.
     const std::size_t first = n - (n - 1) / k * k;
     std::size_t pos = n - first;
-    std::vector<Limb> buffer(dn + k + dn), scratch;
-    Limb* window = buffer.data();  // next k limbs of A below the running remainder
+    LimbScratch::Frame frame(scratch);
+    Limb* window = frame.take(dn + k + dn);  // next k limbs of A below the running remainder
     Limb* rem = window + dn + k;
     divideBlock<R>(scratch, q + pos, first, rem, a + pos, an - pos, d, dn, v, p, rule);
     while (pos > 0) {
@@ -202,13 +201,15 @@ template void multiplyFolded<DecimalRadix>(Limb*, const Limb*, std::size_t, cons
                                           const CyclicFactor&, std::size_t, ProductRule);
 template void multiplyFolded<BinaryRadix>(Limb*, const Limb*, std::size_t, const Limb*, std::size_t,
                                          const CyclicFactor&, std::size_t, ProductRule);
-template int divideByReciprocal<DecimalRadix>(Limb*, std::size_t, Limb*, const Limb*, std::size_t, const Limb*,
-                                              std::size_t, const Limb*, std::size_t, ProductRule, KeptTransforms*);
-template int divideByReciprocal<BinaryRadix>(Limb*, std::size_t, Limb*, const Limb*, std::size_t, const Limb*,
-                                             std::size_t, const Limb*, std::size_t, ProductRule, KeptTransforms*);
-template void divideInBlocks<DecimalRadix>(Limb*, Limb*, const Limb*, std::size_t, const Limb*, std::size_t,
-                                           const Limb*, std::size_t, ProductRule);
-template void divideInBlocks<BinaryRadix>(Limb*, Limb*, const Limb*, std::size_t, const Limb*, std::size_t,
-                                          const Limb*, std::size_t, ProductRule);
+template int divideByReciprocal<DecimalRadix>(LimbScratch&, Limb*, std::size_t, Limb*, const Limb*, std::size_t,
+                                              const Limb*, std::size_t, const Limb*, std::size_t, ProductRule,
+                                              KeptTransforms*);
+template int divideByReciprocal<BinaryRadix>(LimbScratch&, Limb*, std::size_t, Limb*, const Limb*, std::size_t,
+                                             const Limb*, std::size_t, const Limb*, std::size_t, ProductRule,
+                                             KeptTransforms*);
+template void divideInBlocks<DecimalRadix>(LimbScratch&, Limb*, Limb*, const Limb*, std::size_t, const Limb*,
+                                           std::size_t, const Limb*, std::size_t, ProductRule);
+template void divideInBlocks<BinaryRadix>(LimbScratch&, Limb*, Limb*, const Limb*, std::size_t, const Limb*,
+                                          std::size_t, const Limb*, std::size_t, ProductRule);
 
 }  // namespace tw::arith

@@ -6,6 +6,7 @@
 #include <cstddef>
 
 #include "arith/kernels/fast_product.h"
+#include "arith/kernels/mul_scratch.h"
 #include "arith/kernels/mul_span_ops.h"
 #include "arith/kernels/ntt/cyclic_multiply.h"
 #include "arith/tuning.h"
@@ -17,6 +18,15 @@ namespace tw::arith {
 // takes a dividend of dn + max(dn, kMinBlockQuotientLimbs) limbs.
 constexpr std::size_t blockPrecision(std::size_t dn) {
     return (dn > kMinBlockQuotientLimbs ? dn : kMinBlockQuotientLimbs) + 1;
+}
+
+// The scratch a division of an by bn limbs takes at once (a size for the
+// first block of its LimbScratch; the arena grows should it fall short): one
+// block's estimate, quotient, check product and difference, about five times
+// the longest dividend a block sees, and the block loop's window.
+constexpr std::size_t divideScratchLimbs(std::size_t an, std::size_t bn) {
+    const std::size_t block = 2 * bn + blockPrecision(bn);
+    return 5 * (an < block ? an : block) + 3 * bn + 64;
 }
 
 // One block.  A = a[0..an), D = d[0..dn) with dn >= 2, d[dn-1] != 0,
@@ -77,7 +87,7 @@ void multiplyFolded(Limb* out, const Limb* a, std::size_t an, const Limb* v, std
                     const CyclicFactor& vf, std::size_t length, ProductRule rule);
 
 template <class R>
-int divideByReciprocal(Limb* q, std::size_t qn, Limb* r, const Limb* a, std::size_t an,
+int divideByReciprocal(LimbScratch& scratch, Limb* q, std::size_t qn, Limb* r, const Limb* a, std::size_t an,
                        const Limb* d, std::size_t dn, const Limb* v, std::size_t p,
                        ProductRule rule = ProductRule::Ladder, KeptTransforms* kept = nullptr);
 
@@ -88,7 +98,7 @@ int divideByReciprocal(Limb* q, std::size_t qn, Limb* r, const Limb* a, std::siz
 // Preconditions as divideByReciprocal, without the bound on an.  Cost:
 // (an - dn + 1) / (p - 1) blocks.  Tests the terminate flag between blocks.
 template <class R>
-void divideInBlocks(Limb* q, Limb* r, const Limb* a, std::size_t an,
+void divideInBlocks(LimbScratch& scratch, Limb* q, Limb* r, const Limb* a, std::size_t an,
                     const Limb* d, std::size_t dn, const Limb* v, std::size_t p,
                     ProductRule rule = ProductRule::Ladder);
 
@@ -97,10 +107,10 @@ void divideInBlocks(Limb* q, Limb* r, const Limb* a, std::size_t an,
 // limbs; otherwise one is computed for this division if it needs one.  The
 // products follow `rule`.
 // `kept` serves a single-block division (divideByReciprocal) and must belong
-// to b and v.
+// to b and v.  Temporaries come from `scratch` (divideScratchLimbs sizes it).
 template <class R>
-void divideMagnitude(Limb* q, Limb* r, const Limb* a, std::size_t an, const Limb* b, std::size_t bn,
-                     const Limb* v, std::size_t p, ProductRule rule = ProductRule::Ladder,
+void divideMagnitude(LimbScratch& scratch, Limb* q, Limb* r, const Limb* a, std::size_t an, const Limb* b,
+                     std::size_t bn, const Limb* v, std::size_t p, ProductRule rule = ProductRule::Ladder,
                      KeptTransforms* kept = nullptr);
 
 }  // namespace tw::arith

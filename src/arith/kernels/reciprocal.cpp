@@ -176,7 +176,8 @@ DivisorReciprocal<R>::DivisorReciprocal(const Limb* d, std::size_t dn) : divisor
 template <class R>
 void DivisorReciprocal<R>::divide(Limb* q, Limb* r, const Limb* a, std::size_t an) const {
     if (!valid_ || terminateRequested()) return;
-    divideMagnitude<R>(q, r, a, an, divisor_.data(), divisor_.size(),
+    LimbScratch scratch(divideScratchLimbs(an, divisor_.size()));
+    divideMagnitude<R>(scratch, q, r, a, an, divisor_.data(), divisor_.size(),
                        precision_ ? reciprocal_.data() : nullptr, precision_, ProductRule::Fastest);
 }
 
