@@ -35,7 +35,7 @@ void forwardTransform(Limb* x, const Limb* src, std::size_t len, const Transform
     const TransformPasses<V> passes(plan);
     const std::size_t m = plan.blockLength;
     if (plan.hasRadix3()) {
-        radix3ForwardFrom<V>(passes, x, src, len);
+        Radix3Layer<V>(passes).forwardFrom(x, src, len);
         for (std::size_t r = 0; r < 3; ++r) passes.forward(x + r * m, m);
     } else {
         passes.forwardFrom(x, src, len, m);
@@ -48,7 +48,7 @@ void inverseTransform(Limb* x, const TransformPlan& plan) {
     const std::size_t m = plan.blockLength;
     if (plan.hasRadix3()) {
         for (std::size_t r = 0; r < 3; ++r) passes.inverse(x + r * m, m);
-        radix3Inverse<V>(passes, x);
+        Radix3Layer<V>(passes).inverse(x);
     } else {
         passes.inverse(x, m);
     }
@@ -59,9 +59,9 @@ void convolveTransform(Limb* x, const Limb* src, std::size_t len, const Limb* y,
     const TransformPasses<V> passes(plan);
     const std::size_t m = plan.blockLength;
     if (plan.hasRadix3()) {
-        radix3ForwardFrom<V>(passes, x, src, len);
+        Radix3Layer<V>(passes).forwardFrom(x, src, len);
         for (std::size_t r = 0; r < 3; ++r) passes.template convolve<Square>(x + r * m, y + r * m, m);
-        radix3Inverse<V>(passes, x);
+        Radix3Layer<V>(passes).inverse(x);
     } else {
         passes.template convolveFrom<Square>(x, src, len, y, m);
     }

@@ -13,18 +13,33 @@
 
 namespace tw::arith::ntt {
 
-// Radix-3 layer from src[0..len) (zeros past len) into x[0..3M): with
-// a, b, c the words j of the three thirds and c3 the cube root, the thirds
-// become a + b + c, (a + c3 b + c3^2 c) w^j and (a + c3^2 b + c3 c) w^2j (w the
-// N-th root); c3 + c3^2 = -1 leaves one product by c3.  Where the padding
-// makes c, or b and c, zero the shorter forms run, and past len only zeros.
+// The radix-3 layer of one transform plan on one code path.
 template <class V>
-void radix3ForwardFrom(const TransformLevels<V>& levels, Limb* x, const Limb* src, std::size_t len) {
+class Radix3Layer {
     using Reg = typename V::Reg;
     using RootChain = typename TransformLevels<V>::RootChain;
-    constexpr std::size_t L = V::lanes;
-    const TransformPlan& plan = levels.plan();
-    const LaneField<V>& f = levels.field();
+    static constexpr std::size_t L = V::lanes;
+
+public:
+    explicit Radix3Layer(const TransformLevels<V>& levels) : plan(levels.plan()), f(levels.field()) {}
+
+    // x[0..3M) := the layer applied to src[0..len) (zeros past len): with
+    // a, b, c the words j of the three thirds and c3 the cube root, the thirds
+    // become a + b + c, (a + c3 b + c3^2 c) w^j and (a + c3^2 b + c3 c) w^2j (w
+    // the N-th root); c3 + c3^2 = -1 leaves one product by c3.  Where the
+    // padding makes c, or b and c, zero the shorter forms run, and past len
+    // only zeros.
+    void forwardFrom(Limb* x, const Limb* src, std::size_t len) const;
+    // Undoes forwardFrom up to a factor 3.
+    void inverse(Limb* x) const;
+
+private:
+    const TransformPlan& plan;
+    const LaneField<V>& f;
+};
+
+template <class V>
+void Radix3Layer<V>::forwardFrom(Limb* x, const Limb* src, std::size_t len) const {
     const std::size_t m = plan.blockLength;
     RootChain c1(plan, plan.root, 1), c2(plan, plan.root, 2);
     const Reg w3 = V::broadcast(plan.cubeRoot), w3s = V::broadcast(plan.cubeRootCompanion);
@@ -56,14 +71,8 @@ void radix3ForwardFrom(const TransformLevels<V>& levels, Limb* x, const Limb* sr
     for (std::size_t r = 0; r < 3; ++r) std::fill(x + r * m + j, x + (r + 1) * m, Limb(0));
 }
 
-// Undoes radix3ForwardFrom up to a factor 3.
 template <class V>
-void radix3Inverse(const TransformLevels<V>& levels, Limb* x) {
-    using Reg = typename V::Reg;
-    using RootChain = typename TransformLevels<V>::RootChain;
-    constexpr std::size_t L = V::lanes;
-    const TransformPlan& plan = levels.plan();
-    const LaneField<V>& f = levels.field();
+void Radix3Layer<V>::inverse(Limb* x) const {
     const std::size_t m = plan.blockLength;
     RootChain c1(plan, plan.rootInverse, 1), c2(plan, plan.rootInverse, 2);
     const Reg w3 = V::broadcast(plan.cubeRootInverse), w3s = V::broadcast(plan.cubeRootInverseCompanion);
