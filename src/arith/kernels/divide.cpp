@@ -1,7 +1,6 @@
 #include "arith/kernels/divide.h"
 
 #include <algorithm>
-#include <vector>
 
 #include "arith/kernels/add_sub.h"
 #include "arith/kernels/divide_newton.h"
@@ -68,7 +67,7 @@ void divideMagnitude(LimbScratch& scratch, Limb* q, Limb* r, const Limb* a, std:
         if (n <= bn + 1 && n >= 2 * kMinBlockQuotientLimbs && n <= kHalfReciprocalMaxQuotientLimbs)
             p = (n + 1) / 2 + 1;
         Limb* own = frame.take(reciprocalLimbs(p));
-        reciprocal<R>(own, b, bn, p, rule);
+        reciprocal<R>(scratch, own, b, bn, p, rule);
         if (terminateRequested()) return;
         v = own;
     }

@@ -63,8 +63,9 @@ void complement(Limb* x, std::size_t len) {
 // below 4 radix^t (limbs from t + 1 up zero), a T < 0 one above
 // radix^N - 1 - 4 radix^t (top limb, t + 1 or above, not zero).
 template <class R>
-void newtonStep(Limb* v, std::size_t h, std::size_t k, const Limb* d, std::size_t dn, ProductRule rule,
-                std::vector<Limb>& product, std::vector<Limb>& correction) {
+void newtonStep(LimbScratch& scratch, Limb* v, std::size_t h, std::size_t k, const Limb* d, std::size_t dn,
+                ProductRule rule) {
+    LimbScratch::Frame frame(scratch);
     const std::size_t t = std::min(dn, k + 2);
     const std::size_t vl = trimmedLengthAtLeastOne(v, h + 2);
     const std::size_t whole = t + h;  // position of radix^(t+h)
@@ -75,8 +76,7 @@ void newtonStep(Limb* v, std::size_t h, std::size_t k, const Limb* d, std::size_
     std::size_t tl;
     const std::size_t length = cyclicFits(t + 2) ? cyclicLength(t + 2) : 0;
     if (length && cyclicIsCheaper<R>(t, vl, length)) {
-        product.resize(length);
-        p = product.data();
+        p = frame.take(length);
         cyclicMultiply<R>(p, length, d + dn - t, t, v, vl);
         if (terminateRequested()) return;
         // p := Dt V_h - radix^(t+h) = -T modulo radix^N - 1, reduced: on a
@@ -91,8 +91,7 @@ void newtonStep(Limb* v, std::size_t h, std::size_t k, const Limb* d, std::size_
         tl = trimmedLengthAtLeastOne(p, length);
         assert(tl <= t + 1);
     } else {
-        product.resize(t + vl);
-        p = product.data();
+        p = frame.take(t + vl);
         multiplyBy<R>(rule, p, d + dn - t, t, v, vl);
         if (terminateRequested()) return;
         const std::size_t pl = t + vl;
@@ -108,19 +107,20 @@ void newtonStep(Limb* v, std::size_t h, std::size_t k, const Limb* d, std::size_
     const std::size_t s = whole >= k + 2 ? whole - k - 2 : 0;
     const std::size_t e = t + 2 * h - k - s;
     std::size_t cl = 0;
+    Limb* correction = nullptr;
     if (tl > s) {
         const std::size_t thl = tl - s;
-        correction.resize(vl + thl);
-        multiplyBy<R>(rule, correction.data(), v, vl, p + s, thl);
+        correction = frame.take(vl + thl);
+        multiplyBy<R>(rule, correction, v, vl, p + s, thl);
         if (terminateRequested()) return;
-        if (vl + thl > e) cl = trimmedLengthAtLeastOne(correction.data() + e, vl + thl - e);
+        if (vl + thl > e) cl = trimmedLengthAtLeastOne(correction + e, vl + thl - e);
     }
 
     // V_k = V_h radix^(k-h) +- C.
     std::memmove(v + (k - h), v, (h + 2) * sizeof(Limb));
     std::fill(v, v + (k - h), 0);
     if (cl == 0) return;
-    const Limb* c = correction.data() + e;
+    const Limb* c = correction + e;
     assert(cl <= k + 2);
     if (negative) {
         [[maybe_unused]] const Limb borrow = subSpans<R>(v, v, k + 2, c, cl);
@@ -134,7 +134,7 @@ void newtonStep(Limb* v, std::size_t h, std::size_t k, const Limb* d, std::size_
 }  // namespace
 
 template <class R>
-void reciprocal(Limb* v, const Limb* d, std::size_t dn, std::size_t n, ProductRule rule) {
+void reciprocal(LimbScratch& scratch, Limb* v, const Limb* d, std::size_t dn, std::size_t n, ProductRule rule) {
     assert(dn >= 1 && d[dn - 1] != 0 && n >= 1);
     // Precisions from the target down: k needs at least (k + 1) / 2 beforehand.
     std::size_t targets[64];
@@ -148,15 +148,18 @@ void reciprocal(Limb* v, const Limb* d, std::size_t dn, std::size_t n, ProductRu
     std::fill(v, v + reciprocalLimbs(n), 0);
     startingReciprocal<R>(v, d + dn - t, t, h);
 
-    std::vector<Limb> product, correction;
-    product.reserve(2 * n + 8);
-    correction.reserve(2 * n + 8);
     while (steps > 0) {
         if (terminateRequested()) return;
         const std::size_t k = targets[--steps];
-        newtonStep<R>(v, h, k, d, dn, rule, product, correction);
+        newtonStep<R>(scratch, v, h, k, d, dn, rule);
         h = k;
     }
+}
+
+template <class R>
+void reciprocal(Limb* v, const Limb* d, std::size_t dn, std::size_t n, ProductRule rule) {
+    LimbScratch scratch(reciprocalScratchLimbs(n));
+    reciprocal<R>(scratch, v, d, dn, n, rule);
 }
 
 template <class R>
@@ -183,6 +186,8 @@ void DivisorReciprocal<R>::divide(Limb* q, Limb* r, const Limb* a, std::size_t a
 
 template void reciprocal<DecimalRadix>(Limb*, const Limb*, std::size_t, std::size_t, ProductRule);
 template void reciprocal<BinaryRadix>(Limb*, const Limb*, std::size_t, std::size_t, ProductRule);
+template void reciprocal<DecimalRadix>(LimbScratch&, Limb*, const Limb*, std::size_t, std::size_t, ProductRule);
+template void reciprocal<BinaryRadix>(LimbScratch&, Limb*, const Limb*, std::size_t, std::size_t, ProductRule);
 template class DivisorReciprocal<DecimalRadix>;
 template class DivisorReciprocal<BinaryRadix>;
 

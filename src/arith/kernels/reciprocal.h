@@ -7,12 +7,17 @@
 #include <vector>
 
 #include "arith/kernels/fast_product.h"
+#include "arith/kernels/mul_scratch.h"
 #include "frame/radix.h"
 
 namespace tw::arith {
 
 // Limbs reciprocal() writes for precision n.
 constexpr std::size_t reciprocalLimbs(std::size_t n) { return n + 2; }
+
+// The scratch a reciprocal of precision n takes: the two products of its
+// last Newton step, each of about 2n limbs.
+constexpr std::size_t reciprocalScratchLimbs(std::size_t n) { return 4 * n + 16; }
 
 // v[0..n+2) := V, the reciprocal of D = d[0..dn) to precision n:
 //     |V - radix^(dn+n) / D| < 3,
@@ -30,7 +35,11 @@ constexpr std::size_t reciprocalLimbs(std::size_t n) { return n + 2; }
 // limbs of D it reads), and is taken so where cyclicIsCheaper says so; `rule`
 // chooses the algorithm of the full products (fast_product.h).  Returns
 // early, v unspecified, when the terminate flag is raised (tested between
-// steps).  Temporaries may throw std::bad_alloc.
+// steps).  Temporaries come from `scratch` (the form without one makes its
+// own, reciprocalScratchLimbs(n)) and may throw std::bad_alloc.
+template <class R>
+void reciprocal(LimbScratch& scratch, Limb* v, const Limb* d, std::size_t dn, std::size_t n,
+                ProductRule rule = ProductRule::Ladder);
 template <class R>
 void reciprocal(Limb* v, const Limb* d, std::size_t dn, std::size_t n, ProductRule rule = ProductRule::Ladder);
 
