@@ -104,7 +104,8 @@ TYPED_TEST(Kernels, SumsAndDifferencesOfEqualLength) {
 TYPED_TEST(Kernels, UnequalSpansAndInPlaceHelpers) {
     using R = TypeParam;
     const Sizes sizes = {{1, 1}, {16, 15}, {17, 16}, {40, 17}, {129, 40}, {147, 129}, {300, 1}};
-    const auto pairs = kCarryPairs;
+    auto pairs = kCarryPairs;
+    pairs.insert(pairs.end(), {{Shape::Power, Shape::Random}, {Shape::LowZeros, Shape::Max}});
     run(KernelRow<R>{"addSpans", sizes, [](std::size_t an, std::size_t) { return an + 1; },
                      [](Limb* o, const Limb* a, std::size_t an, const Limb* b, std::size_t bn) {
                          o[an] = A::addSpans<R>(o, a, an, b, bn);
@@ -139,7 +140,8 @@ TYPED_TEST(Kernels, UnequalSpansAndInPlaceHelpers) {
                              if (mpz_sgn(w) < 0) mpz_neg(w, w), mpz_add(w, w, radixPower<R>(an));
                              return true;
                          },
-                         {{Shape::Random, Shape::Random}, {Shape::Max, Shape::Max}, {Shape::Random, Shape::Max}}},
+                         {{Shape::Random, Shape::Random}, {Shape::Max, Shape::Max}, {Shape::Random, Shape::Max}},
+                         {Alias::None, Alias::AIsB}},
             23 + swap);
     // a - m b with m the top limb of the second operand.
     run(KernelRow<R>{"subtractMultipleInPlace", {{4, 2}, {9, 8}, {40, 21}}, [](std::size_t an, std::size_t) { return an; },

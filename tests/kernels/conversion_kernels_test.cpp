@@ -268,6 +268,15 @@ TYPED_TEST(Conversion, UnfinishedPowersAreDropped) {
     ASSERT_FALSE(fresh->odd(6).empty());
     EXPECT_TRUE(value<R>(fresh->odd(6)) == powerOf(std::uint32_t(chunk), 32 << 6));
     tw::radix::releaseChunkPowers<R>(fresh);
+    // The cache keeps its bound of entries, dropping the least recently used.
+    std::vector<std::shared_ptr<tw::radix::ChunkPowers<R>>> held;
+    for (std::uint64_t c = 3; c < 3 + tw::radix::kChunkPowerCacheEntries + 2; ++c) {
+        held.push_back(tw::radix::acquireChunkPowers<R>(c * c * c, 32, false));
+        tw::radix::releaseChunkPowers<R>(held.back());
+    }
+    EXPECT_EQ(tw::radix::chunkPowerCacheEntries(), tw::radix::kChunkPowerCacheEntries);
+    EXPECT_EQ(tw::radix::acquireChunkPowers<R>(held.back()->chunk(), 32, false), held.back());
+    EXPECT_NE(tw::radix::acquireChunkPowers<R>(27, 32, false), held.front());
 }
 
 // A level's kept reciprocal serves short and long quotients alike, as the

@@ -352,7 +352,7 @@ TYPED_TEST(Transforms, CyclicProducts) {
                          {Alias::None}, true, landOn<R>(n)},
             seed++);
         // Kept factors: b transformed once, then multiplied by a.
-        run(KernelRow<R>{"cyclicMultiplyBy", {{n, n}, {1 + n / 3, n / 2 + 1}, {2 * n + 1, 3 * n + 1}, {n, 0}}, length,
+        run(KernelRow<R>{"cyclicMultiplyBy", {{n, n}, {1 + n / 3, n / 2 + 1}, {2 * n + 1, 3 * n + 1}, {n, 0}, {1, n}}, length,
                          [n](Limb* o, const Limb* a, std::size_t an, const Limb* b, std::size_t bn) {
                              A::CyclicFactor f;
                              f.prepare<R>(n, b, bn);
