@@ -8,8 +8,21 @@
 //   ApiRow<F>     a C-interface call (r, a, b) of either family against a GMP
 //                 formula, over sizes x shapes x signs x the five aliasings.
 //
-// A row is a few lines in the test that owns the operation; see the tables in
-// kernels/ and api/.
+// A row is a few lines in the test that owns the operation, for example
+//
+//   run(KernelRow<R>{"multiply", around({64, 65, 192, 193}),        // sizes
+//                    [](std::size_t an, std::size_t bn) { return an + bn; },  // output limbs
+//                    [](Limb* o, const Limb* a, std::size_t an, const Limb* b, std::size_t bn) {
+//                        tw::arith::multiply<R>(o, a, an, b, bn);    // ours
+//                    },
+//                    [](mpz_ptr w, mpz_srcptr a, mpz_srcptr b, std::size_t, std::size_t) {
+//                        return mpz_mul(w, a, b), true;               // GMP's; false skips
+//                    }},
+//       50);                                                          // the row's seed
+//
+// and optionally the shape pairs, the aliasings, whether to run on every
+// kernel path, and a hook that reshapes the drawn operands.  The tables are
+// in kernels/ and api/.
 #pragma once
 
 #include <gmp.h>
