@@ -37,6 +37,8 @@ std::vector<PathKernels> pathKernels() {
     return out;
 }
 
+void PrintTo(const PathKernels& p, std::ostream* o) { *o << p.name; }
+
 class TransformDefinition : public ::testing::TestWithParam<PathKernels> {
 protected:
     // Calls check(prime, n, plan) for every prime and table length the path runs up to maxLength.
