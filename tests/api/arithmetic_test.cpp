@@ -202,7 +202,7 @@ TEST_F(Clean, BetweenTheTwoFamilies) {
     EXPECT_EQ(takeError(), TW_ERR_HANDLE);
     EXPECT_EQ(HX_set_hi(nullptr, d), nullptr);
     EXPECT_EQ(takeError(), TW_ERR_HANDLE);
-    // The terminate flag: zero, not a part of the value.
+    // The terminate flag: zero, never a partial value.
     TW_setTerminate(1);
     EXPECT_EQ(HI_set_hx(back, b), back.h());
     EXPECT_EQ(HI_getSign(back), 0);
