@@ -4,6 +4,9 @@
 #include "support/harness.h"
 
 #include <unistd.h>
+#if defined(__x86_64__) || defined(__i386__)
+#include <cpuid.h>
+#endif
 
 #include <filesystem>
 #include <fstream>
@@ -80,6 +83,24 @@ TEST(CacheDetection, FromProcessorReadouts) {
         cpu.l1Info = 0x40020140, cpu.l2Info = 0x02008140, cpu.vendor = vendor;
         EXPECT_EQ(detect(cpu), "8/256/0/32") << vendor;
     }
+}
+
+// The readout holds this processor's registers, read here again.
+TEST(CacheDetection, ReadsThisProcessorsRegisters) {
+#if defined(__x86_64__) || defined(__i386__)
+    const CpuidReadout cpu = tw::readCpuid();
+    unsigned a, b, c, d;
+    ASSERT_TRUE(__get_cpuid(0, &a, &b, &c, &d));
+    char vendor[12];
+    std::memcpy(vendor, &b, 4), std::memcpy(vendor + 4, &d, 4), std::memcpy(vendor + 8, &c, 4);
+    EXPECT_EQ(cpu.vendor, std::string(vendor, 12));
+    ASSERT_TRUE(__get_cpuid(1, &a, &b, &c, &d));
+    EXPECT_EQ(cpu.signature, a);
+    if (__get_cpuid(2, &a, &b, &c, &d)) EXPECT_EQ(Limbs(cpu.descriptors, cpu.descriptors + 4), (Limbs{a, b, c, d}));
+    if (__get_cpuid(0x80000006, &a, &b, &c, &d)) EXPECT_EQ(cpu.l2Info, c);
+#else
+    EXPECT_EQ(tw::readCpuid().vendor, "Unknown  cpu");
+#endif
 }
 
 TEST(CacheDetection, DefaultsAndDerivedValues) {
