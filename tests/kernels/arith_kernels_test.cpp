@@ -242,16 +242,19 @@ TYPED_TEST(Kernels, LadderAtEveryRungBoundary) {
     using R = TypeParam;
     Sizes sizes = around({1, 2, 63, 64, 65, 191, 192, 193, 511, 512, 513});
     sizes.insert(sizes.end(), {{2, 3000}, {65, 2000}, {3000, 2}, {3000, 64}, {2000, 65}, {701, 150}, {2500, 193}, {5000, 600}});
+    auto withZeros = shapePairs(kProductShapes);
+    withZeros.insert(withZeros.end(), {{Shape::Zero, Shape::Random}, {Shape::Random, Shape::Zero}});
     run(KernelRow<R>{"multiply", sizes, total,
                      [](Limb* o, const Limb* a, std::size_t an, const Limb* b, std::size_t bn) { A::multiply<R>(o, a, an, b, bn); },
-                     product},
+                     product, withZeros},
         50);
     Sizes squares;
     for (std::size_t n : either({128, 256, 512})) squares.push_back({n, 0});
     squares.insert(squares.end(), {{1, 0}, {2, 0}, {64, 0}, {65, 0}, {193, 0}, {700, 0}});
     run(KernelRow<R>{"square", squares, twice,
                      [](Limb* o, const Limb* a, std::size_t n, const Limb*, std::size_t) { A::square<R>(o, a, n); },
-                     square, shapePairs({Shape::Random, Shape::Max, Shape::LowZeros, Shape::Power})},
+                     square, {{Shape::Random, Shape::Zero}, {Shape::Max, Shape::Zero}, {Shape::LowZeros, Shape::Zero},
+                              {Shape::Power, Shape::Zero}, {Shape::Zero, Shape::Zero}}},
         51);
     // A value times itself through multiply.
     run(KernelRow<R>{"multiply a*a", equal({3, 100, 300}), total,

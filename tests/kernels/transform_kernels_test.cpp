@@ -271,7 +271,7 @@ TYPED_TEST(Transforms, FullProducts) {
                          A::transformMultiply<R>(o, a, an, b, bn);
                      },
                      [](mpz_ptr w, mpz_srcptr a, mpz_srcptr b, std::size_t, std::size_t) { return mpz_mul(w, a, b), true; },
-                     {{Shape::Random, Shape::Random}, {Shape::Max, Shape::Max}}},
+                     {{Shape::Random, Shape::Random}, {Shape::Max, Shape::Max}, {Shape::Random, Shape::Zero}}},
         104);
     Sizes squares;
     for (const auto& [an, bn] : transformSizes(4, 1 << 14)) squares.push_back({an, 0});
