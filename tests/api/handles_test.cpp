@@ -7,6 +7,8 @@
 #include <limits>
 #include <set>
 
+#include "api/call_frame.h"
+#include "frame/machine_int.h"
 #include "frame/number_record.h"
 
 namespace twtest {
@@ -76,6 +78,37 @@ TYPED_TEST(Handles, UnknownHandleFailureValues) {
         fails(F::getBits(bad) == 0u, "getBits");
     }
     EXPECT_EQ(F::get_s64(good), -42);
+}
+
+// Arrays of handles pass the frame in order: a null array with a count, or an
+// unknown handle anywhere, is -4 and a null result, with the operation not run.
+TEST_F(Clean, HandleArraysInTheFrame) {
+    Number<DecimalFamily> r(0), a(3), b(-5), gone(1);
+    const HI_handle deleted = gone.h();
+    HI_delete(deleted);
+    std::vector<std::int64_t> seen;
+    const auto record = [&](tw::DecimalNumber& out, const std::vector<const tw::DecimalNumber*>& xs) {
+        seen.clear();
+        for (const tw::DecimalNumber* x : xs) seen.push_back(tw::getS64(*x));
+        tw::setS64(out, std::int64_t(xs.size()));
+    };
+    const HI_handle both[] = {a, b, a};
+    EXPECT_EQ(tw::frameUpdateFromArray(record, r.h(), both, 3), r.h());
+    EXPECT_EQ(seen, (std::vector<std::int64_t>{3, -5, 3}));
+    EXPECT_EQ(HI_get_s64(r), 3);
+    EXPECT_EQ(tw::frameUpdateFromArray(record, r.h(), static_cast<const HI_handle*>(nullptr), 0), r.h());
+    EXPECT_TRUE(seen.empty());
+    EXPECT_EQ(HI_get_s64(r), 0);
+    seen = {7};
+    EXPECT_EQ(tw::frameUpdateFromArray(record, r.h(), static_cast<const HI_handle*>(nullptr), 2), nullptr);
+    EXPECT_EQ(takeError(), TW_ERR_HANDLE);
+    const HI_handle withDeleted[] = {a, deleted};
+    EXPECT_EQ(tw::frameUpdateFromArray(record, r.h(), withDeleted, 2), nullptr);
+    EXPECT_EQ(takeError(), TW_ERR_HANDLE);
+    EXPECT_EQ(tw::frameUpdateFromArray(record, deleted, both, 3), nullptr);
+    EXPECT_EQ(takeError(), TW_ERR_HANDLE);
+    EXPECT_EQ(seen, (std::vector<std::int64_t>{7}));
+    EXPECT_EQ(HI_get_s64(r), 0);
 }
 
 TEST_F(Clean, ErrorStateRules) {
