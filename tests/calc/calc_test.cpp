@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <cstdio>
 #include <fstream>
 #include <thread>
 
@@ -89,7 +90,9 @@ ProgramRun twcalc(const std::string& args, const std::string& input = "") {
     const std::string base = ::testing::TempDir() + "twcalc_" + std::to_string(getpid()) + "_" + std::to_string(runs++);
     std::ofstream(base + "_in") << input;
     const int status = std::system((std::string(TWCALC_PATH) + " " + args + " < " + base + "_in > " + base + "_out 2> " + base + "_err").c_str());
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, slurp(base + "_out"), slurp(base + "_err")};
+    ProgramRun run{WIFEXITED(status) ? WEXITSTATUS(status) : -1, slurp(base + "_out"), slurp(base + "_err")};
+    for (const char* suffix : {"_in", "_out", "_err"}) std::remove((base + suffix).c_str());
+    return run;
 }
 
 TEST(TwcalcProgram, AnswersOptionsAndErrors) {
@@ -102,6 +105,7 @@ TEST(TwcalcProgram, AnswersOptionsAndErrors) {
     const std::string file = ::testing::TempDir() + "twcalc_full_" + std::to_string(getpid());
     EXPECT_EQ(twcalc("--out " + file + " '7^1000'").exitCode, 0);
     EXPECT_EQ(slurp(file).size(), 847u);  // 846 digits and a line break
+    std::remove(file.c_str());
     const ProgramRun timed = twcalc("--time '3^1000 % 7'");
     EXPECT_TRUE(timed.exitCode == 0 && timed.out.find("\ntime: ") != std::string::npos && timed.out.substr(timed.out.size() - 3) == " s\n");
     const std::pair<const char*, const char*> errors[] = {{"'1/0'", "error: division by zero\n"},
