@@ -3,6 +3,8 @@
 #include "frame/random_generator.h"
 #include "frame/stopwatch.h"
 #include "frame/version.h"
+#include "numtheory/word_gcd.h"
+#include "numtheory/word_modular.h"
 #include "tarnwick.h"
 
 extern "C" {
@@ -28,5 +30,19 @@ TW_API void TW_CALL TW_seedRandom(uint32_t seed) { tw::seedLibraryGenerator(seed
 TW_API const char *TW_CALL TW_getVerA(void) { return tw::versionTextA(); }
 TW_API const tw_wchar *TW_CALL TW_getVerW(void) { return tw::versionTextW(); }
 TW_API uint32_t TW_CALL TW_getExportFunNums(uint32_t mask) { return tw::exportedFunctionCount(mask); }
+
+// ---- 32-bit number theory ----
+TW_API uint32_t TW_CALL TW_gcd(uint32_t a, uint32_t b) { return tw::numtheory::oddPartGcd(a, b); }
+TW_API uint64_t TW_CALL TW_lcm(uint32_t a, uint32_t b) { return tw::numtheory::oddPartLcm(a, b); }
+TW_API uint32_t TW_CALL TW_gcdEx(int32_t *x, int32_t *y, int32_t a, int32_t b) {
+    return tw::numtheory::extendedGcd(x, y, a, b);
+}
+TW_API uint32_t TW_CALL TW_gcd_v32(const uint32_t *values, uint32_t count) {
+    return tw::numtheory::oddPartGcdOf(values, count);
+}
+TW_API uint32_t TW_CALL TW_powMod(uint32_t base, int32_t exponent, uint32_t modulus) {
+    return tw::numtheory::powModWord(base, uint32_t(exponent), modulus);
+}
+TW_API uint32_t TW_CALL TW_invertMod(uint32_t a, uint32_t modulus) { return tw::numtheory::invertModWord(a, modulus); }
 
 }  // extern "C"
