@@ -2,9 +2,11 @@
 #define FAMILY_HANDLE HI_handle
 #define FAMILY_FN(name) HI_##name
 #define FAMILY_OWN(name) HI_##name##_hi
+#define FAMILY_VECTOR(name) HI_##name##_vhi
 #include "api/integer_family.inc"
 #include "api/integer_conversion.inc"
 #include "api/integer_text.inc"
+#include "api/integer_numtheory.inc"
 #include "binary/number_conversion.h"
 
 extern "C" {

@@ -2,9 +2,11 @@
 #define FAMILY_HANDLE HX_handle
 #define FAMILY_FN(name) HX_##name
 #define FAMILY_OWN(name) HX_##name##_hx
+#define FAMILY_VECTOR(name) HX_##name##_vhx
 #include "api/integer_family.inc"
 #include "api/integer_conversion.inc"
 #include "api/integer_text.inc"
+#include "api/integer_numtheory.inc"
 #include "binary/number_conversion.h"
 
 extern "C" {
