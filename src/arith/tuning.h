@@ -10,6 +10,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 namespace tw::arith {
 
@@ -154,3 +155,14 @@ inline constexpr std::size_t kChunkPowerCacheEntries = 4;
 inline constexpr std::size_t kKeptTransformsMaxLimbs = std::size_t(1) << 16;
 
 }  // namespace tw::convert
+
+namespace tw::numtheory {
+
+// ---- greatest common divisors ----
+
+// Decimal digits above the common low zero limbs (nine a limb) from which
+// both operands of a GCD take the sub-quadratic path: the library's fixed
+// rule for the switch, not a measured crossover.
+inline constexpr std::int64_t kSubquadraticGcdDigits = 65536;
+
+}  // namespace tw::numtheory

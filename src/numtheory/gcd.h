@@ -14,16 +14,13 @@
 #include "arith/numbers/signed_add.h"
 #include "arith/numbers/signed_div.h"
 #include "arith/numbers/signed_mul.h"
+#include "arith/tuning.h"
 #include "frame/compare.h"
 #include "frame/machine_int.h"
 #include "frame/signed_number.h"
 #include "numtheory/gcd_kernels.h"
 
 namespace tw::numtheory {
-
-// Decimal digits above the common zero limbs from which both operands take
-// the sub-quadratic path.
-inline constexpr std::int64_t kSubquadraticGcdDigits = 65536;
 
 // Whether a pair takes the sub-quadratic path: for both operands, the decimal
 // digits less nine per common low zero limb exceed kSubquadraticGcdDigits.
