@@ -84,6 +84,41 @@ Timing divideDecimal(std::size_t digits, double budget) {
     return t;
 }
 
+// r := gcd(a, b) against mpz_gcd, and the extended form against mpz_gcdext.
+template <class Handle>
+Timing timeGcd(Handle (*gcd)(Handle, Handle, Handle), Handle a, Handle b, mpz_srcptr ga, mpz_srcptr gb, Handle r,
+               double budget) {
+    mpz_t g;
+    mpz_init(g);
+    const Timing t = timeSideBySide([&] { gcd(r, a, b); }, [&] { mpz_gcd(g, ga, gb); }, budget);
+    mpz_clear(g);
+    return t;
+}
+
+Timing gcdDecimal(std::size_t digits, double budget) {
+    Operand a(14, digits), b(15, digits), r(0, 1);
+    return timeGcd(HI_gcd, a.hi, b.hi, a.gmp, b.gmp, r.hi, budget);
+}
+
+Timing gcdBinary(std::size_t digits, double budget) {
+    Operand a(16, digits), b(17, digits), r(0, 1);
+    return timeGcd(HX_gcd, a.hx, b.hx, a.gmp, b.gmp, r.hx, budget);
+}
+
+Timing gcdExDecimal(std::size_t digits, double budget) {
+    Operand a(18, digits), b(19, digits), g(0, 1), x(0, 1), y(0, 1);
+    mpz_t gg, gx, gy;
+    mpz_init(gg);
+    mpz_init(gx);
+    mpz_init(gy);
+    const Timing t = timeSideBySide([&] { HI_gcdEx(g.hi, x.hi, y.hi, a.hi, b.hi); },
+                                    [&] { mpz_gcdext(gg, gx, gy, a.gmp, b.gmp); }, budget);
+    mpz_clear(gg);
+    mpz_clear(gx);
+    mpz_clear(gy);
+    return t;
+}
+
 // Text output against mpz_get_str in the same base, into a buffer sized once.
 template <class Write>
 Timing timeTextOutput(Write write, mpz_srcptr g, int base, double budget) {
@@ -162,6 +197,10 @@ const Case kCases[] = {
     {"HI_getStrRadixA 36", 1000000, radix36Text},
     {"HX_set_hi (dec->bin)", 10000000, convertBetweenTypes<true>},
     {"HI_set_hx (bin->dec)", 10000000, convertBetweenTypes<false>},
+    // Lehmer's algorithm alone for now: quadratic, so not past 10^5 digits.
+    {"HI_gcd", 100000, gcdDecimal},
+    {"HX_gcd", 100000, gcdBinary},
+    {"HI_gcdEx", 100000, gcdExDecimal},
 };
 
 }  // namespace
