@@ -7,6 +7,8 @@
 #include "api/integer_conversion.inc"
 #include "api/integer_text.inc"
 #include "api/integer_numtheory.inc"
+#include "api/integer_modular.inc"
+#include "api/integer_roots.inc"
 #include "binary/number_conversion.h"
 
 extern "C" {
