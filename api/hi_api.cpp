@@ -25,5 +25,8 @@ TW_API HI_handle TW_CALL HI_decLShift(HI_handle x, uint32_t k) {
 TW_API HI_handle TW_CALL HI_decRShift(HI_handle x, uint32_t k) {
     return tw::frameUpdate([k](Number& v) { tw::arith::decimalShiftRight(v, k); }, x);
 }
+TW_API HI_handle TW_CALL HI_modPowTen(HI_handle h, uint32_t n) {
+    return tw::frameUpdate([n](Number& v) { tw::numtheory::keepLowDecimalDigits(v, n); }, h);
+}
 
 }  // extern "C"

@@ -1,0 +1,215 @@
+// Modular arithmetic of numbers: powers by left-to-right sliding windows over
+// the ring of montgomery.h (Montgomery form for moduli prime to the radix,
+// division otherwise), products modulo a number, inverses by the extended
+// GCD, and the lowest decimal digits of a decimal number.  Results are built
+// apart and moved in, so any handle may be any operand.  A zero modulus
+// records -5 and leaves the result alone; a raised terminate flag makes the
+// result zero.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <vector>
+
+#include "arith/kernels/divide_by_limb.h"
+#include "arith/numbers/signed_add.h"
+#include "arith/numbers/signed_div.h"
+#include "arith/numbers/signed_mul.h"
+#include "frame/machine_int.h"
+#include "frame/signed_number.h"
+#include "numtheory/gcd.h"
+#include "numtheory/montgomery.h"
+#include "numtheory/word_modular.h"
+
+namespace tw::numtheory {
+
+inline constexpr unsigned kChunkBits = 28;
+
+// |e| in chunks of 28 bits, lowest first (none for zero): the limbs
+// themselves in radix 2^28, repeated division by 2^28 in radix 10^9.
+template <class R>
+std::vector<std::uint32_t> bitChunks(const NumberRecord& e) {
+    std::size_t n = e.isZero() ? 0 : e.topIndex + 1;
+    if constexpr (R::isBinary) {
+        return std::vector<std::uint32_t>(e.digits, e.digits + n);
+    } else {
+        std::vector<Limb> a(e.digits, e.digits + n), q(n);
+        std::vector<std::uint32_t> out;
+        while (n > 0 && !terminateRequested()) {
+            out.push_back(arith::divideByLimb<R>(q.data(), a.data(), n, 1u << kChunkBits));
+            std::swap(a, q);
+            while (n > 0 && a[n - 1] == 0) --n;
+        }
+        return out;
+    }
+}
+
+// The window width for an exponent of `bits` bits: the k that minimises
+// about 2^(k-1) table products + bits / (k + 1) window products.
+inline unsigned windowWidth(std::size_t bits) {
+    static constexpr std::size_t kUpTo[] = {8, 24, 80, 240, 672, 1792};
+    unsigned k = 1;
+    while (k <= 6 && bits > kUpTo[k - 1]) ++k;
+    return k;
+}
+
+// acc := base^e in the ring's form for non-zero chunks e, left to right with
+// sliding windows over a table of the odd powers base^1, base^3, ...
+// False when the terminate flag stopped it.
+template <class R>
+bool ringPower(ModRing<R>& ring, Limb* acc, const Limb* base, const std::vector<std::uint32_t>& e) {
+    const std::size_t n = ring.size();
+    const std::size_t bits = kChunkBits * (e.size() - 1) + bitLength32(e.back());
+    const unsigned w = windowWidth(bits);
+    std::vector<Limb> table(n << (w - 1)), square(n);
+    std::copy(base, base + n, table.begin());
+    if (w > 1) ring.sqr(square.data(), base);
+    for (std::size_t k = 1; k < (std::size_t(1) << (w - 1)); ++k)
+        ring.mul(&table[k * n], &table[(k - 1) * n], square.data());
+    const auto bit = [&e](std::ptrdiff_t i) { return (e[i / kChunkBits] >> (i % kChunkBits)) & 1u; };
+    bool first = true;
+    for (std::ptrdiff_t i = std::ptrdiff_t(bits) - 1; i >= 0;) {
+        if (terminateRequested()) return false;
+        if (!bit(i)) {
+            ring.sqr(acc, acc);
+            --i;
+            continue;
+        }
+        std::ptrdiff_t j = std::max<std::ptrdiff_t>(i - w + 1, 0);
+        while (!bit(j)) ++j;  // the window ends on a one
+        std::uint32_t v = 0;
+        for (std::ptrdiff_t k = i; k >= j; --k) v = 2 * v + bit(k);
+        const Limb* odd = &table[(v >> 1) * n];
+        if (first) {
+            std::copy(odd, odd + n, acc);
+            first = false;
+        } else {
+            for (std::ptrdiff_t k = i; k >= j; --k) ring.sqr(acc, acc);
+            ring.mul(acc, acc, odd);
+        }
+        i = j - 1;
+    }
+    return true;
+}
+
+// res := |base|^|e| mod |m| (>= 0) for a non-zero m; |b|^0 = 1 mod |m|.
+template <class R>
+void powModMagnitude(SignedNumber<R>& res, const NumberRecord& base, const NumberRecord& e, const NumberRecord& m) {
+    const std::size_t n = m.topIndex + 1;
+    if (n == 1 && m.digits[0] == 1) {
+        res.setZero();
+        return;
+    }
+    if (e.isZero()) {
+        setU64(res, 1);
+        return;
+    }
+    ModRing<R> ring(m.digits, n);
+    std::vector<Limb> b(n), acc(n), out(n);
+    ring.enter(b.data(), base.digits, base.topIndex + 1);
+    if (std::all_of(b.begin(), b.end(), [](Limb x) { return x == 0; })) {
+        res.setZero();
+        return;
+    }
+    if (!ringPower(ring, acc.data(), b.data(), bitChunks<R>(e))) {
+        res.setZero();
+        return;
+    }
+    ring.leave(out.data(), acc.data());
+    setMagnitudeFromLimbs(res, out.data(), n, 0);
+}
+
+// r := the inverse of a modulo |m| in [0, |m|); 0 when there is none and for
+// |m| = 1.  Zero m: -5, r unchanged.
+template <class R>
+void invertModInto(SignedNumber<R>& r, const SignedNumber<R>& a, const SignedNumber<R>& m) {
+    if (m.isZero()) {
+        setLastError(kErrDivZero);
+        return;
+    }
+    SignedNumber<R> mod = m, res;
+    mod.sign = 1;
+    const bool unit = mod.rec().topIndex == 0 && mod.limb(0) == 1;
+    if (!unit && !terminateRequested()) {
+        SignedNumber<R> reduced, g, x, y;
+        arith::remainder(reduced, a, mod);
+        if (reduced.sign < 0) arith::addInPlace(reduced, mod);
+        if (!reduced.isZero()) {
+            extendedGcdInto(g, x, y, reduced, mod);
+            if (g.rec().topIndex == 0 && g.limb(0) == 1 && g.sign == 1) {
+                arith::remainder(res, x, mod);
+                if (res.sign < 0) arith::addInPlace(res, mod);
+            }
+        }
+    }
+    if (terminateRequested()) res.setZero();
+    r.swap(res);
+}
+
+// r := base^e mod m: |base|^|e| mod |m|, negative for a negative base and an
+// odd e; a negative e then takes the inverse of that modulo m.
+template <class R>
+void powModInto(SignedNumber<R>& r, const SignedNumber<R>& base, const SignedNumber<R>& e, const SignedNumber<R>& m) {
+    if (m.isZero()) {
+        setLastError(kErrDivZero);
+        return;
+    }
+    SignedNumber<R> res;
+    if (!terminateRequested()) {
+        powModMagnitude(res, base.rec(), e.rec(), m.rec());
+        if (base.sign < 0 && (e.limb(0) & 1)) res.negate();
+        if (e.sign < 0) invertModInto(res, res, m);
+    }
+    if (terminateRequested()) res.setZero();
+    r.swap(res);
+}
+
+// r := a b mod m, truncated (the sign of a b).
+template <class R>
+void mulModInto(SignedNumber<R>& r, const SignedNumber<R>& a, const SignedNumber<R>& b, const SignedNumber<R>& m) {
+    if (m.isZero()) {
+        setLastError(kErrDivZero);
+        return;
+    }
+    SignedNumber<R> product, res;
+    arith::multiplyInto(product, a, b);
+    arith::remainder(res, product, m);
+    if (terminateRequested()) res.setZero();
+    r.swap(res);
+}
+
+// base^|e| mod modulus for machine words; a negative e then takes the inverse
+// by invertModWord (modulus 1 gives 1 there).  Modulus 0: -5 and 0.
+template <class R>
+std::uint32_t powModWords(std::uint32_t base, const SignedNumber<R>& e, std::uint32_t modulus) {
+    if (modulus == 0) {
+        setLastError(kErrDivZero);
+        return 0;
+    }
+    const std::vector<std::uint32_t> chunks = bitChunks<R>(e.rec());
+    const std::uint64_t b = base % modulus;
+    std::uint64_t acc = 1 % modulus;
+    for (std::size_t c = chunks.size(); c-- > 0;) {
+        if (terminateRequested()) return 0;
+        for (int i = kChunkBits - 1; i >= 0; --i) {
+            acc = acc * acc % modulus;
+            if ((chunks[c] >> i) & 1) acc = acc * b % modulus;
+        }
+    }
+    if (terminateRequested()) return 0;
+    return e.sign < 0 ? invertModWord(std::uint32_t(acc), modulus) : std::uint32_t(acc);
+}
+
+// x := x mod 10^n truncated (x's sign): the lowest n decimal digits.
+inline void keepLowDecimalDigits(DecimalNumber& x, std::uint32_t n) {
+    NumberRecord& rec = x.rec();
+    const std::uint32_t whole = n / 9, rest = n % 9;
+    if (whole > rec.topIndex) return;
+    dropTextBuffers(rec);
+    rec.digits[whole] = rest ? rec.digits[whole] % kPowersOfTen[rest] : 0;
+    std::fill(rec.digits + whole + 1, rec.digits + rec.topIndex + 1, 0);
+    normalizeIndices(rec, whole + 1);
+    x.normalizeSign();
+}
+
+}  // namespace tw::numtheory

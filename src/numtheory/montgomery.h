@@ -1,0 +1,171 @@
+// Span kernels of modular arithmetic, written once over the radix policy:
+// Montgomery reduction for moduli prime to the radix (odd for 2^28, prime to
+// 10 for 10^9), reduction by division for the others, and the ring both
+// present to the exponentiation of modular.h.  Elements are n-limb spans
+// below the modulus m (n limbs, m[n-1] != 0).  Products go through the
+// multiplication and squaring ladders and the division kernel.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "arith/kernels/divide.h"
+#include "arith/kernels/divide_by_limb.h"
+#include "arith/kernels/multiply.h"
+#include "arith/kernels/radix_traits.h"
+#include "frame/radix.h"
+
+namespace tw::numtheory {
+
+// -1 / v modulo the radix for v prime to it, by Newton's iteration
+// x := x (2 - v x), which doubles the number of correct low digits:
+// mod 2^28 from 1 correct bit (v odd), mod 10^9 from 1 correct digit
+// (the inverse mod 10 among 1, 3, 7, 9).
+template <class R>
+Limb negativeInverseModRadix(Limb v) {
+    const std::uint64_t b = R::base, vv = v % R::base;
+    std::uint64_t x = 1;
+    if constexpr (!R::isBinary)
+        while ((vv * x) % 10 != 1) x += 2;
+    for (int i = 0; i < 6; ++i) {
+        const std::uint64_t vx = (vv * x) % b;
+        x = (x * ((b + 2 - vx) % b)) % b;
+    }
+    return Limb((b - x) % b);
+}
+
+// Whether a modulus whose lowest limb is m0 admits Montgomery reduction.
+template <class R>
+bool primeToRadix(Limb m0) {
+    if constexpr (R::isBinary) return (m0 & 1) != 0;
+    else return (m0 & 1) != 0 && m0 % 5 != 0;
+}
+
+// -1, 0, +1 as a[0..n) compares with b[0..n).
+inline int compareSameLength(const Limb* a, const Limb* b, std::size_t n) {
+    for (std::size_t i = n; i-- > 0;)
+        if (a[i] != b[i]) return a[i] < b[i] ? -1 : 1;
+    return 0;
+}
+
+// a[0..n) -= b[0..n), returns the borrow.  a may be b.
+template <class R>
+Limb subtractSameLength(Limb* a, const Limb* b, std::size_t n) {
+    Limb borrow = 0;
+    for (std::size_t i = 0; i < n; ++i) {
+        const std::int64_t d = std::int64_t(a[i]) - b[i] - borrow;
+        borrow = d < 0;
+        a[i] = Limb(d < 0 ? d + std::int64_t(R::base) : d);
+    }
+    return borrow;
+}
+
+// Montgomery reduction (REDC).  out[0..n) := t / B^n mod m, B the radix, for
+// t[0..2n] (2n + 1 limbs, t[2n] = 0 on entry, destroyed) with t < m B^n, and
+// minv = -1 / m mod B.  out overlaps nothing.
+//
+// Bound: step i adds q_i m B^i with q_i = t_i minv mod B < B, which makes
+// limb i zero; so after n steps t' = t + Q m with Q = sum q_i B^i < B^n,
+// divisible by B^n.  Then t' / B^n < (m B^n + B^n m) / B^n = 2m: the high
+// half is below 2m, and one conditional subtraction of m leaves it below m.
+// Its value is t B^-n mod m since Q m = 0 mod m.  It fits n + 1 limbs
+// (2m < 2 B^n), hence the extra limb t[2n].
+template <class R>
+void montgomeryReduce(Limb* out, Limb* t, const Limb* m, std::size_t n, Limb minv) {
+    using T = arith::MulTraits<R>;
+    for (std::size_t i = 0; i < n; ++i) {
+        const Limb q = Limb((std::uint64_t(t[i]) * minv) % R::base);
+        std::uint64_t carry = 0;
+        Limb* row = t + i;
+        for (std::size_t j = 0; j < n; ++j) {
+            const std::uint64_t acc = std::uint64_t(q) * m[j] + row[j] + carry;
+            row[j] = T::low(acc);
+            carry = T::high(acc);
+        }
+        for (std::size_t j = n; carry != 0; ++j) {  // ends at t[2n]: the sum stays below 2 m B^n
+            const std::uint64_t acc = row[j] + carry;
+            row[j] = T::low(acc);
+            carry = T::high(acc);
+        }
+    }
+    Limb* high = t + n;
+    if (high[n] != 0 || compareSameLength(high, m, n) >= 0) subtractSameLength<R>(high, m, n);  // high[n] absorbs the borrow
+    std::copy(high, high + n, out);
+}
+
+// The residues modulo m in the form the reduction wants: Montgomery form
+// x B^n mod m when m is prime to the radix, else plain residues reduced by
+// division.  mul and sqr may write over their operands.
+template <class R>
+class ModRing {
+public:
+    ModRing(const Limb* m, std::size_t n)
+        : m_(m, m + n), n_(n), montgomery_(primeToRadix<R>(m[0])), t_(2 * n + 1), q_(n + 2) {
+        if (montgomery_) minv_ = negativeInverseModRadix<R>(m[0]);
+    }
+    std::size_t size() const { return n_; }
+    bool montgomery() const { return montgomery_; }
+
+    // out := a b in the ring's form.
+    void mul(Limb* out, const Limb* a, const Limb* b) {
+        const std::size_t an = used(a), bn = used(b);
+        std::fill(t_.begin(), t_.end(), 0);
+        if (a == b) arith::square<R>(t_.data(), a, an);
+        else arith::multiply<R>(t_.data(), a, an, b, bn);
+        reduceProduct(out, an + bn);
+    }
+    void sqr(Limb* out, const Limb* a) { mul(out, a, a); }
+
+    // out := the ring form of x (x[0..xn), any value).
+    void enter(Limb* out, const Limb* x, std::size_t xn) {
+        std::vector<Limb> shifted(xn + (montgomery_ ? n_ : 0), 0);
+        std::copy(x, x + xn, shifted.begin() + (montgomery_ ? n_ : 0));
+        reduce(out, shifted.data(), shifted.size());
+    }
+    // out := the residue in [0, m) of x in the ring's form.
+    void leave(Limb* out, const Limb* x) {
+        if (!montgomery_) {
+            std::copy(x, x + n_, out);
+            return;
+        }
+        std::fill(t_.begin(), t_.end(), 0);
+        std::copy(x, x + n_, t_.begin());
+        montgomeryReduce<R>(out, t_.data(), m_.data(), n_, minv_);
+    }
+
+private:
+    // Limbs of a[0..n) up to its top non-zero one, at least one.
+    std::size_t used(const Limb* a) const {
+        std::size_t k = n_;
+        while (k > 1 && a[k - 1] == 0) --k;
+        return k;
+    }
+    void reduceProduct(Limb* out, std::size_t len) {
+        if (montgomery_) montgomeryReduce<R>(out, t_.data(), m_.data(), n_, minv_);
+        else reduce(out, t_.data(), len);
+    }
+    // out[0..n) := x[0..xn) mod m by the division kernel; x is kept.
+    void reduce(Limb* out, const Limb* x, std::size_t xn) {
+        while (xn > 1 && x[xn - 1] == 0) --xn;
+        if (xn < n_ || (xn == n_ && compareSameLength(x, m_.data(), n_) < 0)) {
+            std::fill(std::copy(x, x + xn, out), out + n_, 0);
+            return;
+        }
+        if (q_.size() < xn - n_ + 1) q_.resize(xn - n_ + 1);
+        if (n_ == 1) {
+            out[0] = arith::divideByLimb<R>(q_.data(), x, xn, m_[0]);
+            return;
+        }
+        arith::divide<R>(q_.data(), out, x, xn, m_.data(), n_);
+    }
+
+    std::vector<Limb> m_;
+    std::size_t n_;
+    bool montgomery_;
+    Limb minv_ = 0;
+    std::vector<Limb> t_, q_;
+};
+
+}  // namespace tw::numtheory
