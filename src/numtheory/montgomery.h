@@ -14,7 +14,6 @@
 #include "arith/kernels/divide.h"
 #include "arith/kernels/divide_by_limb.h"
 #include "arith/kernels/multiply.h"
-#include "arith/kernels/radix_traits.h"
 #include "frame/radix.h"
 
 namespace tw::numtheory {
@@ -63,36 +62,49 @@ Limb subtractSameLength(Limb* a, const Limb* b, std::size_t n) {
 }
 
 // Montgomery reduction (REDC).  out[0..n) := t / B^n mod m, B the radix, for
-// t[0..2n] (2n + 1 limbs, t[2n] = 0 on entry, destroyed) with t < m B^n, and
-// minv = -1 / m mod B.  out overlaps nothing.
+// t[0..2n) with t < m B^n and minv = -1 / m mod B; q[0..n) is scratch.  out
+// overlaps neither t nor q.
 //
-// Bound: step i adds q_i m B^i with q_i = t_i minv mod B < B, which makes
-// limb i zero; so after n steps t' = t + Q m with Q = sum q_i B^i < B^n,
-// divisible by B^n.  Then t' / B^n < (m B^n + B^n m) / B^n = 2m: the high
-// half is below 2m, and one conditional subtraction of m leaves it below m.
-// Its value is t B^-n mod m since Q m = 0 mod m.  It fits n + 1 limbs
-// (2m < 2 B^n), hence the extra limb t[2n].
+// Bound: the quotient digits q_i = (limb i of t + q_0..q_(i-1) m) minv mod B
+// make limb i zero, so t' = t + Q m with Q = sum q_i B^i < B^n is divisible
+// by B^n.  Then t' / B^n < (m B^n + B^n m) / B^n = 2m: the high half is below
+// 2m, and one conditional subtraction of m leaves it below m.  Its value is
+// t B^-n mod m since Q m = 0 mod m.  It fits n limbs and a top limb of 0 or 1.
+//
+// The sums run by columns (product scanning): column k gathers every q_j m_(k-j)
+// with t_k and the carry into a + c B^2, with c taking whatever lies above B^2
+// after each block of kBlock products (17 of 10^18 and 254 of 2^56 fit 64 bits
+// beside one B^2 and the carry), so no product propagates a carry of its own.
 template <class R>
-void montgomeryReduce(Limb* out, Limb* t, const Limb* m, std::size_t n, Limb minv) {
-    using T = arith::MulTraits<R>;
-    for (std::size_t i = 0; i < n; ++i) {
-        const Limb q = Limb((std::uint64_t(t[i]) * minv) % R::base);
-        std::uint64_t carry = 0;
-        Limb* row = t + i;
-        for (std::size_t j = 0; j < n; ++j) {
-            const std::uint64_t acc = std::uint64_t(q) * m[j] + row[j] + carry;
-            row[j] = T::low(acc);
-            carry = T::high(acc);
+void montgomeryReduce(Limb* out, const Limb* t, Limb* q, const Limb* m, std::size_t n, Limb minv) {
+    constexpr std::uint64_t b = R::base, b2 = b * b;
+    constexpr std::size_t kBlock = R::isBinary ? 254 : 17;
+    std::uint64_t carry = 0;
+    const auto column = [&](std::size_t k, std::size_t from, std::size_t to, std::uint64_t& c) {
+        std::uint64_t a = carry + t[k];
+        c = 0;
+        for (std::size_t j0 = from; j0 < to; j0 += kBlock) {
+            const std::size_t j1 = std::min(to, j0 + kBlock);
+            for (std::size_t j = j0; j < j1; ++j) a += std::uint64_t(q[j]) * m[k - j];
+            c += a / b2;
+            a %= b2;
         }
-        for (std::size_t j = n; carry != 0; ++j) {  // ends at t[2n]: the sum stays below 2 m B^n
-            const std::uint64_t acc = row[j] + carry;
-            row[j] = T::low(acc);
-            carry = T::high(acc);
-        }
+        return a;
+    };
+    for (std::size_t k = 0; k < n; ++k) {
+        std::uint64_t c;
+        std::uint64_t a = column(k, 0, k, c);
+        q[k] = Limb(((a % b) * minv) % b);
+        a += std::uint64_t(q[k]) * m[0];  // limb k becomes zero
+        carry = a / b + c * b;
     }
-    Limb* high = t + n;
-    if (high[n] != 0 || compareSameLength(high, m, n) >= 0) subtractSameLength<R>(high, m, n);  // high[n] absorbs the borrow
-    std::copy(high, high + n, out);
+    for (std::size_t k = n; k < 2 * n; ++k) {
+        std::uint64_t c;
+        const std::uint64_t a = column(k, k - n + 1, n, c);
+        out[k - n] = Limb(a % b);
+        carry = a / b + c * b;
+    }
+    if (carry != 0 || compareSameLength(out, m, n) >= 0) subtractSameLength<R>(out, m, n);  // the carry absorbs the borrow
 }
 
 // The residues modulo m in the form the reduction wants: Montgomery form
@@ -132,7 +144,7 @@ public:
         }
         std::fill(t_.begin(), t_.end(), 0);
         std::copy(x, x + n_, t_.begin());
-        montgomeryReduce<R>(out, t_.data(), m_.data(), n_, minv_);
+        montgomeryReduce<R>(out, t_.data(), q_.data(), m_.data(), n_, minv_);
     }
 
 private:
@@ -143,7 +155,7 @@ private:
         return k;
     }
     void reduceProduct(Limb* out, std::size_t len) {
-        if (montgomery_) montgomeryReduce<R>(out, t_.data(), m_.data(), n_, minv_);
+        if (montgomery_) montgomeryReduce<R>(out, t_.data(), q_.data(), m_.data(), n_, minv_);
         else reduce(out, t_.data(), len);
     }
     // out[0..n) := x[0..xn) mod m by the division kernel; x is kept.
