@@ -4,9 +4,12 @@
 // n*k limbs dropped) times radix^k, plus one, is an estimate above the root
 // good to half the digits, one Newton step doubles them, and x^n <= |a| then
 // settles the last unit.  Results are built apart and moved in, so any handle
-// may be any operand; a raised terminate flag makes them zero.
+// may be any operand; a raised terminate flag makes them zero.  Square roots
+// take the recursive square root with remainder instead, which divides only
+// half as many limbs and gets the remainder without a full square.
 #pragma once
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <utility>
@@ -144,6 +147,61 @@ void rootMagnitude(SignedNumber<R>& root, SignedNumber<R>& power, const SignedNu
     root.swap(x);
 }
 
+// The limbs [lo, hi) of |a| as a positive number.
+template <class R>
+SignedNumber<R> limbRange(const SignedNumber<R>& a, std::size_t lo, std::size_t hi) {
+    SignedNumber<R> x;
+    hi = std::min<std::size_t>(hi, a.rec().topIndex + 1);
+    if (lo >= hi) return x;
+    resizeStorage(x.rec(), std::uint32_t(hi - lo), true);
+    if (x.rec().allocated() < hi - lo) return x;  // storage exhausted: zero, -3 recorded
+    std::copy(a.limbs() + lo, a.limbs() + hi, x.rec().digits);
+    normalizeIndices(x.rec(), std::uint32_t(hi - lo));
+    x.sign = 1;
+    x.normalizeSign();
+    return x;
+}
+
+// The recursive square root with remainder (Zimmermann's Karatsuba square
+// root, over any radix B): a = A B^2k + a1 B^k + a0 with k about a quarter of
+// the limbs; from s'^2 + r' = A, q = (r' B^k + a1) div 2s' with remainder u,
+// s = s' B^k + q is never below the root, and a - s^2 = u B^k + a0 - q^2.
+// Since s' has more limbs than k, s overshoots by a unit or two at most,
+// each taken back by r += 2s - 1, s -= 1.  root and rem are fresh numbers.
+template <class R>
+void squareRootMagnitude(SignedNumber<R>& root, SignedNumber<R>& rem, const SignedNumber<R>& a) {
+    const std::uint32_t limbs = a.rec().topIndex + 1;
+    if (limbs < 8) {
+        SignedNumber<R> power;
+        rootMagnitude(root, power, a, 2);
+        arith::subtract(rem, a, power);
+        return;
+    }
+    const std::uint32_t k = (limbs - 1) / 4;
+    SignedNumber<R> s, r, q, u, square;
+    squareRootMagnitude(s, r, limbRange(a, 2 * std::size_t(k), limbs));
+    if (terminateRequested()) return;
+    arith::insertLowLimbs(r.rec(), k);
+    arith::addInPlace(r, limbRange(a, k, 2 * std::size_t(k)));
+    SignedNumber<R> twice = magnitudeCopy(s);
+    arith::multiplyByWord(twice, 2);
+    arith::divideSigned<R>(q, &u, r, twice);
+    arith::insertLowLimbs(s.rec(), k);
+    arith::addInPlace(s, q);
+    arith::insertLowLimbs(u.rec(), k);
+    arith::addInPlace(u, limbRange(a, 0, k));
+    arith::multiplyInto(square, q, q);
+    arith::subtractInPlace(u, square);
+    while (u.sign < 0 && !terminateRequested()) {
+        arith::addInPlace(u, s);
+        arith::addInPlace(u, s);
+        arith::subtractWord(u, 1);  // u < 0: one more below
+        arith::subtractWord(s, 1);
+    }
+    root.swap(s);
+    rem.swap(u);
+}
+
 }  // namespace detail
 
 // root := trunc(a^(1/n)) with a's sign, *rem := a - root^n (rem may be null;
@@ -162,9 +220,13 @@ void rootRemainder(SignedNumber<R>& root, SignedNumber<R>* rem, const SignedNumb
         r = a;
     } else {
         const SignedNumber<R> magnitude = detail::magnitudeCopy(a);
-        SignedNumber<R> power;
-        detail::rootMagnitude(r, power, magnitude, n);
-        arith::subtract(rest, magnitude, power);
+        if (n == 2) {
+            detail::squareRootMagnitude(r, rest, magnitude);
+        } else {
+            SignedNumber<R> power;
+            detail::rootMagnitude(r, power, magnitude, n);
+            arith::subtract(rest, magnitude, power);
+        }
         if (terminateRequested()) r.setZero(), rest.setZero();
         r.sign = a.sign;
         rest.sign = a.sign;
