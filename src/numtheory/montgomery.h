@@ -73,10 +73,11 @@ Limb subtractSameLength(Limb* a, const Limb* b, std::size_t n) {
 //
 // The sums run by columns (product scanning): column k gathers every q_j m_(k-j)
 // with t_k and the carry into a + c B^2, with c taking whatever lies above B^2
-// after each block of kBlock products (17 of 10^18 and 254 of 2^56 fit 64 bits
+// after each block of kBlock products (m also reversed in mrev, so that the
+// sum is a forward dot product) (17 of 10^18 and 254 of 2^56 fit 64 bits
 // beside one B^2 and the carry), so no product propagates a carry of its own.
 template <class R>
-void montgomeryReduce(Limb* out, const Limb* t, Limb* q, const Limb* m, std::size_t n, Limb minv) {
+void montgomeryReduce(Limb* out, const Limb* t, Limb* q, const Limb* m, const Limb* mrev, std::size_t n, Limb minv) {
     constexpr std::uint64_t b = R::base, b2 = b * b;
     constexpr std::size_t kBlock = R::isBinary ? 254 : 17;
     std::uint64_t carry = 0;
@@ -85,7 +86,8 @@ void montgomeryReduce(Limb* out, const Limb* t, Limb* q, const Limb* m, std::siz
         c = 0;
         for (std::size_t j0 = from; j0 < to; j0 += kBlock) {
             const std::size_t j1 = std::min(to, j0 + kBlock);
-            for (std::size_t j = j0; j < j1; ++j) a += std::uint64_t(q[j]) * m[k - j];
+            const Limb* mk = mrev + (n - 1 - k);  // mk[j] = m[k - j]: both run forwards
+            for (std::size_t j = j0; j < j1; ++j) a += std::uint64_t(q[j]) * mk[j];
             c += a / b2;
             a %= b2;
         }
@@ -114,8 +116,9 @@ template <class R>
 class ModRing {
 public:
     ModRing(const Limb* m, std::size_t n)
-        : m_(m, m + n), n_(n), montgomery_(primeToRadix<R>(m[0])), t_(2 * n + 1), q_(n + 2) {
+        : m_(m, m + n), mrev_(m, m + n), n_(n), montgomery_(primeToRadix<R>(m[0])), t_(2 * n + 1), q_(n + 2) {
         if (montgomery_) minv_ = negativeInverseModRadix<R>(m[0]);
+        std::reverse(mrev_.begin(), mrev_.end());
     }
     std::size_t size() const { return n_; }
     bool montgomery() const { return montgomery_; }
@@ -123,7 +126,7 @@ public:
     // out := a b in the ring's form.
     void mul(Limb* out, const Limb* a, const Limb* b) {
         const std::size_t an = used(a), bn = used(b);
-        std::fill(t_.begin(), t_.end(), 0);
+        std::fill(t_.begin() + (an + bn), t_.end(), 0);
         if (a == b) arith::square<R>(t_.data(), a, an);
         else arith::multiply<R>(t_.data(), a, an, b, bn);
         reduceProduct(out, an + bn);
@@ -144,7 +147,7 @@ public:
         }
         std::fill(t_.begin(), t_.end(), 0);
         std::copy(x, x + n_, t_.begin());
-        montgomeryReduce<R>(out, t_.data(), q_.data(), m_.data(), n_, minv_);
+        montgomeryReduce<R>(out, t_.data(), q_.data(), m_.data(), mrev_.data(), n_, minv_);
     }
 
 private:
@@ -155,7 +158,7 @@ private:
         return k;
     }
     void reduceProduct(Limb* out, std::size_t len) {
-        if (montgomery_) montgomeryReduce<R>(out, t_.data(), q_.data(), m_.data(), n_, minv_);
+        if (montgomery_) montgomeryReduce<R>(out, t_.data(), q_.data(), m_.data(), mrev_.data(), n_, minv_);
         else reduce(out, t_.data(), len);
     }
     // out[0..n) := x[0..xn) mod m by the division kernel; x is kept.
@@ -173,7 +176,7 @@ private:
         arith::divide<R>(q_.data(), out, x, xn, m_.data(), n_);
     }
 
-    std::vector<Limb> m_;
+    std::vector<Limb> m_, mrev_;
     std::size_t n_;
     bool montgomery_;
     Limb minv_ = 0;
