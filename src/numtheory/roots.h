@@ -3,10 +3,10 @@
 // library's products and divisions: the root of the top half of a (the low
 // n*k limbs dropped) times radix^k, plus one, is an estimate above the root
 // good to half the digits, one Newton step doubles them, and x^n <= |a| then
-// settles the last unit.  Results are built apart and moved in, so any handle
-// may be any operand; a raised terminate flag makes them zero.  Square roots
-// take the recursive square root with remainder instead, which divides only
-// half as many limbs and gets the remainder without a full square.
+// settles the last unit.  Square roots take the recursive square root with
+// remainder instead, which divides half as many limbs and needs no full
+// square.  Results are built in fresh numbers and moved in, so any handle may
+// be any operand; a raised terminate flag makes them zero.
 #pragma once
 
 #include <algorithm>
