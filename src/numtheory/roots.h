@@ -171,10 +171,15 @@ SignedNumber<R> limbRange(const SignedNumber<R>& a, std::size_t lo, std::size_t 
 template <class R>
 void squareRootMagnitude(SignedNumber<R>& root, SignedNumber<R>& rem, const SignedNumber<R>& a) {
     const std::uint32_t limbs = a.rec().topIndex + 1;
-    if (limbs < 8) {
-        SignedNumber<R> power;
-        rootMagnitude(root, power, a, 2);
-        arith::subtract(rem, a, power);
+    if (limbs <= 4) {  // below 2^120 in either radix: 128-bit arithmetic
+        u128 v = 0;
+        for (std::uint32_t i = limbs; i-- > 0;) v = v * R::base + a.limb(i);
+        std::uint64_t r = std::uint64_t(std::sqrt(double(v)));
+        if (r != 0) r = std::uint64_t((r + v / r) / 2);  // a Newton step from the double estimate
+        while (u128(r) * r > v) --r;
+        while (u128(r + 1) * (r + 1) <= v) ++r;
+        setU64(root, r);
+        setU64(rem, std::uint64_t(v - u128(r) * r));
         return;
     }
     const std::uint32_t k = (limbs - 1) / 4;
