@@ -15,6 +15,7 @@
 #include "arith/numbers/signed_add.h"
 #include "arith/numbers/signed_div.h"
 #include "arith/numbers/signed_mul.h"
+#include "arith/numbers/shifts.h"
 #include "frame/machine_int.h"
 #include "frame/signed_number.h"
 #include "numtheory/gcd.h"
@@ -56,8 +57,8 @@ inline unsigned windowWidth(std::size_t bits) {
 // acc := base^e in the ring's form for non-zero chunks e, left to right with
 // sliding windows over a table of the odd powers base^1, base^3, ...
 // False when the terminate flag stopped it.
-template <class R>
-bool ringPower(ModRing<R>& ring, Limb* acc, const Limb* base, const std::vector<std::uint32_t>& e) {
+template <class Ring>
+bool ringPower(Ring& ring, Limb* acc, const Limb* base, const std::vector<std::uint32_t>& e) {
     const std::size_t n = ring.size();
     const std::size_t bits = kChunkBits * (e.size() - 1) + bitLength32(e.back());
     const unsigned w = windowWidth(bits);
@@ -92,6 +93,42 @@ bool ringPower(ModRing<R>& ring, Limb* acc, const Limb* base, const std::vector<
     return true;
 }
 
+template <class R>
+void powModMagnitude(SignedNumber<R>& res, const NumberRecord& base, const NumberRecord& e, const NumberRecord& m);
+template <class R>
+void invertModInto(SignedNumber<R>& r, const SignedNumber<R>& a, const SignedNumber<R>& m);
+
+// res := |base|^|e| mod m for the binary radix and an even m = 2^k o, o odd,
+// e non-zero: x2 = base^e mod 2^k on the low limbs, x1 = base^e mod o in
+// Montgomery form, joined by x = x1 + o ((x2 - x1) o^-1 mod 2^k), below m.
+template <class R>
+void powModEvenBinary(SignedNumber<R>& res, const NumberRecord& base, const NumberRecord& e, const NumberRecord& m) {
+    const std::uint32_t k = R::bitsPerLimb * m.lowIndex + unsigned(__builtin_ctz(m.digits[m.lowIndex]));
+    LowBitsRing<R> ring(k);
+    const std::size_t n = ring.size();
+    std::vector<Limb> b(n), acc(n);
+    std::copy(base.digits, base.digits + std::min<std::size_t>(n, base.topIndex + 1), b.begin());
+    b[n - 1] &= ring.topMask();
+    SignedNumber<R> x2, x1, o, twoK = arith::powerOfTwo<R>(k), inverse;
+    if (std::any_of(b.begin(), b.end(), [](Limb x) { return x != 0; })) {
+        if (!ringPower(ring, acc.data(), b.data(), bitChunks<R>(e))) return res.setZero();
+        setMagnitudeFromLimbs(x2, acc.data(), n, 0);
+    }
+    o.rec() = m;
+    o.sign = 1;
+    arith::bitShiftRight(o, k);
+    if (o.rec().topIndex == 0 && o.limb(0) == 1) return res.swap(x2);
+    powModMagnitude(x1, base, e, o.rec());
+    invertModInto(inverse, o, twoK);
+    arith::subtractInPlace(x2, x1);  // h = (x2 - x1) o^-1 mod 2^k, then x1 + o h
+    arith::multiplyInto(x2, x2, inverse);
+    arith::remainder(x2, x2, twoK);
+    if (x2.sign < 0) arith::addInPlace(x2, twoK);
+    arith::multiplyInto(x2, x2, o);
+    arith::addInPlace(x2, x1);
+    res.swap(x2);
+}
+
 // res := |base|^|e| mod |m| (>= 0) for a non-zero m; |b|^0 = 1 mod |m|.
 template <class R>
 void powModMagnitude(SignedNumber<R>& res, const NumberRecord& base, const NumberRecord& e, const NumberRecord& m) {
@@ -103,6 +140,9 @@ void powModMagnitude(SignedNumber<R>& res, const NumberRecord& base, const Numbe
     if (e.isZero()) {
         setU64(res, 1);
         return;
+    }
+    if constexpr (R::isBinary) {
+        if ((m.digits[0] & 1) == 0) return powModEvenBinary(res, base, e, m);
     }
     ModRing<R> ring(m.digits, n);
     std::vector<Limb> b(n), acc(n), out(n);

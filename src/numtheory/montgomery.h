@@ -183,4 +183,37 @@ private:
     std::vector<Limb> t_, q_;
 };
 
+// Residues modulo 2^k in radix 2^28 on n = ceil(k / 28) limbs: a product
+// keeps its low limbs, the top one cut to the bits of 2^k.
+template <class R>
+class LowBitsRing {
+    static_assert(R::isBinary);
+
+public:
+    explicit LowBitsRing(std::uint32_t k)
+        : n_((k + R::bitsPerLimb - 1) / R::bitsPerLimb),
+          topMask_(k % R::bitsPerLimb ? (Limb(1) << (k % R::bitsPerLimb)) - 1 : R::mask), t_(2 * n_) {}
+    std::size_t size() const { return n_; }
+    Limb topMask() const { return topMask_; }
+    void mul(Limb* out, const Limb* a, const Limb* b) {
+        const std::size_t an = used(a), bn = used(b);
+        if (a == b) arith::square<R>(t_.data(), a, an);
+        else arith::multiply<R>(t_.data(), a, an, b, bn);
+        std::fill(t_.begin() + (an + bn), t_.end(), 0);
+        std::copy(t_.begin(), t_.begin() + n_, out);
+        out[n_ - 1] &= topMask_;
+    }
+    void sqr(Limb* out, const Limb* a) { mul(out, a, a); }
+
+private:
+    std::size_t used(const Limb* a) const {
+        std::size_t k = n_;
+        while (k > 1 && a[k - 1] == 0) --k;
+        return k;
+    }
+    std::size_t n_;
+    Limb topMask_;
+    std::vector<Limb> t_;
+};
+
 }  // namespace tw::numtheory

@@ -59,8 +59,8 @@ TYPED_TEST(Modular, RowsAgainstGmp) {
         121);
 }
 
-// Full exponents at 512 to 4096 bits, short ones on long moduli (odd, even,
-// and for HI_ multiples of five), with every aliasing of r, base, exponent and modulus.
+// Full exponents at 512 to 4096 bits, short ones on long moduli, the moduli
+// of every path; up to 1024 bits every aliasing of r, base, exponent, modulus.
 TYPED_TEST(Modular, LargeOperandsAndAliasedExponent) {
     using F = TypeParam;
     using R = typename F::Radix;
@@ -68,12 +68,14 @@ TYPED_TEST(Modular, LargeOperandsAndAliasedExponent) {
     const std::size_t bitsPerLimb = R::isBinary ? 28 : 29;
     struct Size { std::size_t bits, eLimbs; };
     for (const Size s : {Size{512, 0}, Size{1024, 0}, Size{2048, 0}, Size{4096, 0}, Size{20000, 2}, Size{60000, 1}})
-        for (int kind = 0; kind < 3; ++kind) {
+        for (int kind = 0; kind < 5; ++kind) {  // m odd, even, a multiple of 5, 2^k, 2^(28 j) times odd
             const std::size_t n = s.bits / bitsPerLimb + 1;
-            Mpz vm = value<R>(gen.limbs<R>(n)), vb = value<R>(gen.limbs<R>(n + kind)), ve = value<R>(gen.limbs<R>(s.eLimbs ? s.eLimbs : n)), want;
+            Mpz vm = value<R>(gen.limbs<R>(n)), vb = value<R>(gen.limbs<R>(n + kind % 3)), ve = value<R>(gen.limbs<R>(s.eLimbs ? s.eLimbs : n)), want;
             if (kind == 0) mpz_setbit(vm, 0);
             if (kind == 1) mpz_clrbit(vm, 0), mpz_neg(vb, vb);
             if (kind == 2) mpz_mul_ui(vm, vm, 5), mpz_neg(ve, ve);
+            if (kind == 3) mpz_set_ui(vm, 0), mpz_setbit(vm, s.bits), mpz_setbit(vb, 0);
+            if (kind == 4) mpz_setbit(vm, 0), mpz_mul_2exp(vm, vm, 28 * (n / 2));
             Number<F> r, b, e, m;
             b.set(vb), e.set(ve), m.set(vm);
             powModWant(want, vb, ve, vm);
