@@ -1,9 +1,10 @@
 // Span kernels of modular arithmetic, written once over the radix policy:
 // Montgomery reduction for moduli prime to the radix (odd for 2^28, prime to
-// 10 for 10^9), reduction by division for the others, and the ring both
-// present to the exponentiation of modular.h.  Elements are n-limb spans
-// below the modulus m (n limbs, m[n-1] != 0).  Products go through the
-// multiplication and squaring ladders and the division kernel.
+// 10 for 10^9) and reduction by division for the others, behind one ring
+// (ModRing), and the residues modulo 2^k in radix 2^28 (LowBitsRing): what
+// the exponentiation of modular.h runs on.  Elements are n-limb spans below
+// the modulus.  Products go through the multiplication and squaring ladders
+// and the division kernel.
 #pragma once
 
 #include <algorithm>
