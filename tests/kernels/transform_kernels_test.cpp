@@ -360,7 +360,7 @@ TYPED_TEST(Transforms, CyclicProducts) {
                              f.prepare<R>(n, b, bn);
                              if (f.readyFor(n) && !f.readyFor(2 * n)) A::cyclicMultiplyBy<R>(o, n, a, an, f);
                          },
-                         want, {{Shape::Random, Shape::Max}, {Shape::Max, Shape::Zero}}},
+                         want, {{Shape::Random, Shape::Max}, {Shape::Max, Shape::Random}, {Shape::Max, Shape::Zero}}},
             seed++);
     }
     for (std::size_t n : {2, 3, 5, 64, 768}) {
