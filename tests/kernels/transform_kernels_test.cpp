@@ -73,7 +73,7 @@ protected:
 
 TEST_P(TransformDefinition, ForwardInverseAndConvolution) {
     const ntt::TransformKernels& k = *GetParam().k;
-    forEachTransform(1 << 13, [&](std::size_t prime, std::size_t n, const ntt::TransformPlan& plan) {
+    forEachTransform(1 << 15, [&](std::size_t prime, std::size_t n, const ntt::TransformPlan& plan) {
         const std::uint32_t p = plan.prime.p, w = ntt::rootOfUnity(prime, n);
         // The path's output order, read off the transform of e_1 (entry w^k at k's position).
         std::unordered_map<std::uint32_t, std::size_t> logOf;
@@ -354,13 +354,13 @@ TYPED_TEST(Transforms, CyclicProducts) {
                          {Alias::None}, true, landOn<R>(n)},
             seed++);
         // Kept factors: b transformed once, then multiplied by a.
-        run(KernelRow<R>{"cyclicMultiplyBy", {{n, n}, {1 + n / 3, n / 2 + 1}, {2 * n + 1, 3 * n + 1}, {n, 0}, {1, n}}, length,
+        run(KernelRow<R>{"cyclicMultiplyBy", {{n, n}, {1 + n / 3, n / 2 + 1}, {2 * n + 1, 3 * n + 1}, {n, 0}, {1, n}, {n, 1}}, length,
                          [n](Limb* o, const Limb* a, std::size_t an, const Limb* b, std::size_t bn) {
                              A::CyclicFactor f;
                              f.prepare<R>(n, b, bn);
                              if (f.readyFor(n) && !f.readyFor(2 * n)) A::cyclicMultiplyBy<R>(o, n, a, an, f);
                          },
-                         want, {{Shape::Random, Shape::Max}, {Shape::Max, Shape::Zero}}},
+                         want, {{Shape::Random, Shape::Max}, {Shape::Max, Shape::Random}, {Shape::Max, Shape::Zero}}},
             seed++);
     }
     for (std::size_t n : {2, 3, 5, 64, 768}) {
