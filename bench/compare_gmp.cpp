@@ -43,30 +43,31 @@ struct Case {
     Timing (*run)(std::size_t digits, double budget);
 };
 
-// r := a * b against mpz_mul on the same operands; squaring when b is a.
+// r := a op b against GMP's op on the same operands (a product is a square
+// when b is a).
 template <class Handle>
-Timing timeProduct(Handle (*mul)(Handle, Handle, Handle), Handle a, Handle b, mpz_srcptr ga, mpz_srcptr gb,
-                   Handle r, double budget) {
+Timing timeBinary(Handle (*ours)(Handle, Handle, Handle), void (*gmp)(mpz_ptr, mpz_srcptr, mpz_srcptr), Handle a,
+                  Handle b, mpz_srcptr ga, mpz_srcptr gb, Handle r, double budget) {
     mpz_t g;
     mpz_init(g);
-    const Timing t = timeSideBySide([&] { mul(r, a, b); }, [&] { mpz_mul(g, ga, gb); }, budget);
+    const Timing t = timeSideBySide([&] { ours(r, a, b); }, [&] { gmp(g, ga, gb); }, budget);
     mpz_clear(g);
     return t;
 }
 
 Timing mulDecimal(std::size_t digits, double budget) {
     Operand a(1, digits), b(2, digits), r(0, 1);
-    return timeProduct(HI_mul, a.hi, b.hi, a.gmp, b.gmp, r.hi, budget);
+    return timeBinary(HI_mul, mpz_mul, a.hi, b.hi, a.gmp, b.gmp, r.hi, budget);
 }
 
 Timing squareDecimal(std::size_t digits, double budget) {
     Operand a(3, digits), r(0, 1);
-    return timeProduct(HI_mul, a.hi, a.hi, a.gmp, a.gmp, r.hi, budget);
+    return timeBinary(HI_mul, mpz_mul, a.hi, a.hi, a.gmp, a.gmp, r.hi, budget);
 }
 
 Timing mulBinary(std::size_t digits, double budget) {
     Operand a(4, digits), b(5, digits), r(0, 1);
-    return timeProduct(HX_mul, a.hx, b.hx, a.gmp, b.gmp, r.hx, budget);
+    return timeBinary(HX_mul, mpz_mul, a.hx, b.hx, a.gmp, b.gmp, r.hx, budget);
 }
 
 Timing divideDecimal(std::size_t digits, double budget) {
@@ -84,25 +85,15 @@ Timing divideDecimal(std::size_t digits, double budget) {
     return t;
 }
 
-// r := gcd(a, b) against mpz_gcd, and the extended form against mpz_gcdext.
-template <class Handle>
-Timing timeGcd(Handle (*gcd)(Handle, Handle, Handle), Handle a, Handle b, mpz_srcptr ga, mpz_srcptr gb, Handle r,
-               double budget) {
-    mpz_t g;
-    mpz_init(g);
-    const Timing t = timeSideBySide([&] { gcd(r, a, b); }, [&] { mpz_gcd(g, ga, gb); }, budget);
-    mpz_clear(g);
-    return t;
-}
-
+// gcd against mpz_gcd, the extended form against mpz_gcdext.
 Timing gcdDecimal(std::size_t digits, double budget) {
     Operand a(14, digits), b(15, digits), r(0, 1);
-    return timeGcd(HI_gcd, a.hi, b.hi, a.gmp, b.gmp, r.hi, budget);
+    return timeBinary(HI_gcd, mpz_gcd, a.hi, b.hi, a.gmp, b.gmp, r.hi, budget);
 }
 
 Timing gcdBinary(std::size_t digits, double budget) {
     Operand a(16, digits), b(17, digits), r(0, 1);
-    return timeGcd(HX_gcd, a.hx, b.hx, a.gmp, b.gmp, r.hx, budget);
+    return timeBinary(HX_gcd, mpz_gcd, a.hx, b.hx, a.gmp, b.gmp, r.hx, budget);
 }
 
 Timing gcdExDecimal(std::size_t digits, double budget) {
