@@ -26,6 +26,12 @@ const std::map<std::string, Function>& functionTable() {
         {"bits", {1, [](const std::vector<Integer>& a) { return Integer(a[0].bits()); }}},
         {"min", {2, [](const std::vector<Integer>& a) { return a[0] < a[1] ? a[0] : a[1]; }}},
         {"max", {2, [](const std::vector<Integer>& a) { return a[0] < a[1] ? a[1] : a[0]; }}},
+        {"gcd", {2, [](const std::vector<Integer>& a) { return gcd(a[0], a[1]); }}},
+        {"lcm", {2, [](const std::vector<Integer>& a) { return lcm(a[0], a[1]); }}},
+        {"powmod", {3, [](const std::vector<Integer>& a) { return powmod(a[0], a[1], a[2]); }}},
+        {"invmod", {2, [](const std::vector<Integer>& a) { return invert(a[0], a[1]); }}},
+        {"sqrt", {1, [](const std::vector<Integer>& a) { return sqrt(a[0]); }}},
+        {"log", {2, [](const std::vector<Integer>& a) { return Integer(ilog(a[0], a[1])); }}},
     };
     return table;
 }

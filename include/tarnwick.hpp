@@ -93,6 +93,13 @@ T checked(T value) {
         static constexpr auto bitXor = P##_bitXor;                                            \
         static constexpr auto getStrRadixA = P##_getStrRadixA;                                \
         static constexpr auto set_rc = P##_set_rc;                                            \
+        static constexpr auto gcd = P##_gcd;                                                  \
+        static constexpr auto lcm = P##_lcm;                                                  \
+        static constexpr auto gcdEx = P##_gcdEx;                                              \
+        static constexpr auto powMod = P##_powMod;                                            \
+        static constexpr auto invertMod = P##_invertMod;                                      \
+        static constexpr auto rootRem = P##_rootRem;                                          \
+        static constexpr auto log = P##_log;                                                  \
     }
 TARNWICK_FAMILY_TRAITS(DecimalTraits, HI, hi);
 TARNWICK_FAMILY_TRAITS(BinaryTraits, HX, hx);
@@ -202,6 +209,42 @@ public:
         return r.run(Traits::pow(r.h_, a.h_, e));
     }
     friend BasicInteger abs(BasicInteger a) { return a.run(Traits::abs(a.h_)); }
+
+    // ---- number theory ----
+    // gcd and lcm of the magnitudes; gcdext gives g = a x + b y >= 0 as
+    // {g, x, y}; powmod takes a negative exponent as the inverse's power;
+    // invert gives 0 when a has no inverse modulo m; sqrt and root truncate
+    // toward zero (root(-27, 3) is -3); ilog is floor(log_|base| |a|).
+    friend BasicInteger gcd(const BasicInteger& a, const BasicInteger& b) {
+        BasicInteger r;
+        return r.run(Traits::gcd(r.h_, a.h_, b.h_));
+    }
+    friend BasicInteger lcm(const BasicInteger& a, const BasicInteger& b) {
+        BasicInteger r;
+        return r.run(Traits::lcm(r.h_, a.h_, b.h_));
+    }
+    struct GcdExt;
+    friend GcdExt gcdext(const BasicInteger& a, const BasicInteger& b) {
+        GcdExt e;
+        e.g.run(Traits::gcdEx(e.g.h_, e.x.h_, e.y.h_, a.h_, b.h_));
+        return e;
+    }
+    friend BasicInteger powmod(const BasicInteger& base, const BasicInteger& e, const BasicInteger& m) {
+        BasicInteger r;
+        return r.run(Traits::powMod(r.h_, base.h_, e.h_, m.h_));
+    }
+    friend BasicInteger invert(const BasicInteger& a, const BasicInteger& m) {
+        BasicInteger r;
+        return r.run(Traits::invertMod(r.h_, a.h_, m.h_));
+    }
+    friend BasicInteger root(const BasicInteger& a, std::uint32_t n) {
+        BasicInteger r;
+        return r.run(Traits::rootRem(r.h_, nullptr, a.h_, n));
+    }
+    friend BasicInteger sqrt(const BasicInteger& a) { return root(a, 2); }
+    friend std::uint32_t ilog(const BasicInteger& a, const BasicInteger& base) {
+        return detail::checked(Traits::log(a.h_, base.h_));
+    }
     friend void swap(BasicInteger& a, BasicInteger& b) noexcept { std::swap(a.h_, b.h_); }
 
     // ---- comparison ----
@@ -230,6 +273,12 @@ private:
     }
 
     Handle h_;
+};
+
+// The result of gcdext: g = a x + b y.
+template <class Traits>
+struct BasicInteger<Traits>::GcdExt {
+    BasicInteger g, x, y;
 };
 
 using Integer = BasicInteger<detail::DecimalTraits>;

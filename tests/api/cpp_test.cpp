@@ -85,5 +85,22 @@ TEST(Cpp, ConversionsAndTheRadixConverter) {
     EXPECT_EQ(tarnwick::RadixConverter(10, Integer(999)).sum_of_digits(), 27u);
 }
 
+TYPED_TEST(Cpp, NumberTheory) {
+    using T = TypeParam;
+    const T a = pow(T(6), 40), b = pow(T(4), 30) * 9;
+    EXPECT_EQ(gcd(a, b), pow(T(2), 40) * 9);
+    EXPECT_EQ(lcm(a, b), a / gcd(a, b) * b);
+    const auto e = gcdext(a, -b);
+    EXPECT_EQ(a * e.x + (-b) * e.y, e.g);
+    EXPECT_EQ(powmod(T(3), T(-1), T(7)), T(5));
+    EXPECT_EQ(invert(T(3), T(7)), T(5));
+    EXPECT_EQ(sqrt(pow(T(10), 40) - 1), pow(T(10), 20) - 1);
+    EXPECT_EQ(root(T(-27), 3), T(-3));
+    EXPECT_EQ(ilog(pow(T(3), 50), T(3)), 50u);
+    EXPECT_THROW(powmod(T(3), T(2), T(0)), tarnwick::Error);
+    EXPECT_THROW(ilog(T(0), T(10)), tarnwick::Error);
+    EXPECT_EQ(TW_getLastError(), 0);  // a throw leaves the error state clear
+}
+
 }  // namespace
 }  // namespace twtest
