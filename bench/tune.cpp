@@ -77,77 +77,81 @@ std::string str(std::size_t v) { return std::to_string(v); }
 
 // ---- the ladders ----
 
-// Basecase against one level of Karatsuba whose halves take the basecase (the
-// arena's basecase bound follows n), as right above the switch-over.
+// One rung of a ladder on operands of n limbs (squares read a only).
+using Rung = void (*)(Work& w, std::size_t n);
+template <class R>
+void mulBasecaseRung(Work& w, std::size_t n) {
+    ar::mulBasecase<R>(w.out.data(), w.a.data(), n, w.b.data(), n);
+}
+template <class R>
+void mulKaratsubaRung(Work& w, std::size_t n) {
+    ar::mulKaratsuba<R>(w.out.data(), w.a.data(), n, w.b.data(), n, w.scratch);
+}
+template <class R>
+void mulToom3Rung(Work& w, std::size_t n) {
+    ar::mulToom3<R>(w.out.data(), w.a.data(), n, w.b.data(), n, w.scratch);
+}
+template <class R>
+void mulTransformRung(Work& w, std::size_t n) {
+    ar::transformMultiply<R>(w.out.data(), w.a.data(), n, w.b.data(), n);
+}
+template <class R>
+void sqrBasecaseRung(Work& w, std::size_t n) {
+    ar::sqrBasecase<R>(w.out.data(), w.a.data(), n);
+}
+template <class R>
+void sqrKaratsubaRung(Work& w, std::size_t n) {
+    ar::sqrKaratsuba<R>(w.out.data(), w.a.data(), n, w.scratch);
+}
+template <class R>
+void sqrToom3Rung(Work& w, std::size_t n) {
+    ar::sqrToom3<R>(w.out.data(), w.a.data(), n, w.scratch);
+}
+template <class R>
+void sqrTransformRung(Work& w, std::size_t n) {
+    ar::transformSquare<R>(w.out.data(), w.a.data(), n);
+}
+
+// The lower rung against the upper one over the candidate lengths.  With
+// basecaseFollowsN the arena's basecase bound follows n, so one level of
+// Karatsuba has halves that take the basecase, as right above the switch-over.
+template <class R>
+Crossover race(const std::vector<std::size_t>& cands, Rung lower, Rung upper, const Settings& s,
+               bool basecaseFollowsN = false) {
+    return findCrossover(cands, [=](std::size_t n) {
+        auto w = makeWork<R>(n);
+        if (basecaseFollowsN) w->scratch.setBasecaseMax(n);
+        return std::pair<Call, Call>{[w, n, lower] { lower(*w, n); }, [w, n, upper] { upper(*w, n); }};
+    }, s);
+}
+
+// The squaring ladder's basecase bound is fixed, so the halves of the square
+// take the basecase up to twice kSqrBasecaseMax and Karatsuba beyond.  The
+// transform's cost steps where its length doubles, so its candidates are
+// dense enough to see a run of wins past a step.
 template <class R>
 Crossover mulBasecaseKaratsuba(const Settings& s) {
-    const auto cands = s.quick ? lengths(8, 256, 8) : lengths(4, 256, 2);
-    return findCrossover(cands, [](std::size_t n) {
-        auto w = makeWork<R>(n);
-        w->scratch.setBasecaseMax(n);
-        return std::pair<Call, Call>{
-            [w, n] { ar::mulBasecase<R>(w->out.data(), w->a.data(), n, w->b.data(), n); },
-            [w, n] { ar::mulKaratsuba<R>(w->out.data(), w->a.data(), n, w->b.data(), n, w->scratch); }};
-    }, s);
+    return race<R>(s.quick ? lengths(8, 256, 8) : lengths(4, 256, 2), mulBasecaseRung<R>, mulKaratsubaRung<R>, s, true);
 }
-
-// The squaring ladder's basecase bound is fixed, so the halves take the
-// basecase up to twice kSqrBasecaseMax and Karatsuba beyond.
 template <class R>
 Crossover sqrBasecaseKaratsuba(const Settings& s) {
-    const auto cands = s.quick ? lengths(16, 384, 16) : lengths(8, 384, 4);
-    return findCrossover(cands, [](std::size_t n) {
-        auto w = makeWork<R>(n);
-        return std::pair<Call, Call>{
-            [w, n] { ar::sqrBasecase<R>(w->out.data(), w->a.data(), n); },
-            [w, n] { ar::sqrKaratsuba<R>(w->out.data(), w->a.data(), n, w->scratch); }};
-    }, s);
+    return race<R>(s.quick ? lengths(16, 384, 16) : lengths(8, 384, 4), sqrBasecaseRung<R>, sqrKaratsubaRung<R>, s);
 }
-
 template <class R>
 Crossover mulKaratsubaToom3(const Settings& s) {
-    const auto cands = s.quick ? lengths(64, 640, 32) : lengths(48, 640, 8);
-    return findCrossover(cands, [](std::size_t n) {
-        auto w = makeWork<R>(n);
-        return std::pair<Call, Call>{
-            [w, n] { ar::mulKaratsuba<R>(w->out.data(), w->a.data(), n, w->b.data(), n, w->scratch); },
-            [w, n] { ar::mulToom3<R>(w->out.data(), w->a.data(), n, w->b.data(), n, w->scratch); }};
-    }, s);
+    return race<R>(s.quick ? lengths(64, 640, 32) : lengths(48, 640, 8), mulKaratsubaRung<R>, mulToom3Rung<R>, s);
 }
-
 template <class R>
 Crossover sqrKaratsubaToom3(const Settings& s) {
-    const auto cands = s.quick ? lengths(64, 768, 32) : lengths(48, 768, 8);
-    return findCrossover(cands, [](std::size_t n) {
-        auto w = makeWork<R>(n);
-        return std::pair<Call, Call>{
-            [w, n] { ar::sqrKaratsuba<R>(w->out.data(), w->a.data(), n, w->scratch); },
-            [w, n] { ar::sqrToom3<R>(w->out.data(), w->a.data(), n, w->scratch); }};
-    }, s);
+    return race<R>(s.quick ? lengths(64, 768, 32) : lengths(48, 768, 8), sqrKaratsubaRung<R>, sqrToom3Rung<R>, s);
 }
-
-// The transform's cost steps where its length doubles, so the candidates
-// must be dense enough to see a run of wins past a step.
 template <class R>
 Crossover mulToom3Transform(const Settings& s) {
-    const auto cands = s.quick ? lengths(128, 2048, 64) : lengths(128, 2048, 16);
-    return findCrossover(cands, [](std::size_t n) {
-        auto w = makeWork<R>(n);
-        return std::pair<Call, Call>{
-            [w, n] { ar::mulToom3<R>(w->out.data(), w->a.data(), n, w->b.data(), n, w->scratch); },
-            [w, n] { ar::transformMultiply<R>(w->out.data(), w->a.data(), n, w->b.data(), n); }};
-    }, s);
+    return race<R>(s.quick ? lengths(128, 2048, 64) : lengths(128, 2048, 16), mulToom3Rung<R>, mulTransformRung<R>, s);
 }
-
 template <class R>
 Crossover sqrToom3Transform(const Settings& s) {
-    const auto cands = s.quick ? lengths(128, 2048, 64) : lengths(128, 2048, 16);
-    return findCrossover(cands, [](std::size_t n) {
-        auto w = makeWork<R>(n);
-        return std::pair<Call, Call>{
-            [w, n] { ar::sqrToom3<R>(w->out.data(), w->a.data(), n, w->scratch); },
-            [w, n] { ar::transformSquare<R>(w->out.data(), w->a.data(), n); }};
-    }, s);
+    return race<R>(s.quick ? lengths(128, 2048, 64) : lengths(128, 2048, 16), sqrToom3Rung<R>, sqrTransformRung<R>, s);
 }
 
 // ---- the 512-bit kernels (only where the processor runs them) ----
