@@ -67,12 +67,16 @@ std::string formatSeconds(double s) {
 }  // namespace
 
 void printHeader() {
-    std::printf("| operation | digits | ours | GMP | ratio |\n|---|---|---|---|---|\n");
+    std::printf("| operation | size | ours | GMP | ratio |\n|---|---|---|---|---|\n");
+}
+
+std::string powerOfTen(std::size_t digits) {
+    return "10^" + std::to_string(std::lround(std::log10(double(digits))));
 }
 
 void printRow(const Row& row) {
-    std::printf("| %s | 10^%d | %s | %s | %.2f |\n", row.operation.c_str(),
-                int(std::lround(std::log10(double(row.digits)))), formatSeconds(row.timing.ours).c_str(),
+    std::printf("| %s | %s | %s | %s | %.2f |\n", row.operation.c_str(), row.size.c_str(),
+                formatSeconds(row.timing.ours).c_str(),
                 formatSeconds(row.timing.gmp).c_str(), row.timing.ours / row.timing.gmp);
     std::fflush(stdout);
 }

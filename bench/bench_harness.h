@@ -35,9 +35,10 @@ Timing timeSideBySide(const std::function<void()>& ours, const std::function<voi
 
 struct Row {
     std::string operation;
-    std::size_t digits;
+    std::string size;  // "10^4", "2048 bits"
     Timing timing;
 };
+std::string powerOfTen(std::size_t digits);
 void printRow(const Row& row);
 void printHeader();
 

@@ -110,6 +110,69 @@ Timing gcdExDecimal(std::size_t digits, double budget) {
     return t;
 }
 
+// Roots against mpz_sqrtrem and mpz_rootrem.
+template <unsigned n>
+Timing rootDecimal(std::size_t digits, double budget) {
+    Operand a(20 + n, digits), root(0, 1), rem(0, 1);
+    mpz_t gr, gm;
+    mpz_init(gr);
+    mpz_init(gm);
+    const Timing t = timeSideBySide([&] { HI_rootRem(root.hi, rem.hi, a.hi, n); },
+                                    [&] {
+                                        if constexpr (n == 2)
+                                            mpz_sqrtrem(gr, gm, a.gmp);
+                                        else
+                                            mpz_rootrem(gr, gm, a.gmp, n);
+                                    },
+                                    budget);
+    mpz_clear(gr);
+    mpz_clear(gm);
+    return t;
+}
+
+// A random value of exactly `bits` bits in both libraries; `odd` forces the
+// low bit, otherwise it is cleared.
+struct BitOperand {
+    HI_handle hi = HI_new();
+    HX_handle hx = HX_new();
+    mpz_t gmp;
+    BitOperand(std::uint64_t seed, unsigned bits, bool odd) {
+        gmp_randstate_t state;
+        gmp_randinit_default(state);
+        gmp_randseed_ui(state, seed);
+        mpz_init(gmp);
+        mpz_urandomb(gmp, state, bits);
+        mpz_setbit(gmp, bits - 1);
+        if (odd)
+            mpz_setbit(gmp, 0);
+        else
+            mpz_clrbit(gmp, 0);
+        gmp_randclear(state);
+        std::string text(mpz_sizeinbase(gmp, 10) + 2, '\0');
+        mpz_get_str(text.data(), 10, gmp);
+        HI_set_strA(hi, text.c_str());
+        HX_set_strA(hx, text.c_str());
+    }
+    ~BitOperand() {
+        HI_delete(hi);
+        HX_delete(hx);
+        mpz_clear(gmp);
+    }
+};
+
+// base^exponent mod m against mpz_powm, all three of `bits` bits.
+template <class Handle>
+Timing powModTiming(Handle (*ours)(Handle, Handle, Handle, Handle), Handle BitOperand::*member, unsigned bits,
+                    bool oddModulus, double budget) {
+    BitOperand base(31, bits, true), exponent(32, bits, true), modulus(33, bits, oddModulus), result(0, 8, true);
+    mpz_t g;
+    mpz_init(g);
+    const Timing t = timeSideBySide([&] { ours(result.*member, base.*member, exponent.*member, modulus.*member); },
+                                    [&] { mpz_powm(g, base.gmp, exponent.gmp, modulus.gmp); }, budget);
+    mpz_clear(g);
+    return t;
+}
+
 // Text output against mpz_get_str in the same base, into a buffer sized once.
 template <class Write>
 Timing timeTextOutput(Write write, mpz_srcptr g, int base, double budget) {
@@ -192,7 +255,35 @@ const Case kCases[] = {
     {"HI_gcd", 100000, gcdDecimal},
     {"HX_gcd", 100000, gcdBinary},
     {"HI_gcdEx", 100000, gcdExDecimal},
+    {"HI_rootRem n=2", 1000000, rootDecimal<2>},
+    {"HI_rootRem n=3", 100000, rootDecimal<3>},
 };
+
+// Modular powers at the sizes of cryptography, in bits of the modulus.
+struct PowModCase {
+    const char* name;
+    bool binary;
+    bool oddModulus;
+    unsigned maxBits;
+};
+const PowModCase kPowModCases[] = {
+    {"HX_powMod odd m", true, true, 4096},
+    {"HI_powMod odd m", false, true, 4096},
+    {"HX_powMod even m", true, false, 2048},
+    {"HI_powMod even m", false, false, 2048},
+};
+
+void runPowModCases(const Options& options) {
+    for (const PowModCase& c : kPowModCases) {
+        if (!options.only.empty() && std::string(c.name).find(options.only) == std::string::npos) continue;
+        for (unsigned bits = c.oddModulus ? 512 : c.maxBits; bits <= c.maxBits; bits *= 2) {
+            TW_setTerminate(0);
+            const Timing t = c.binary ? powModTiming<HX_handle>(HX_powMod, &BitOperand::hx, bits, c.oddModulus, options.budget)
+                                      : powModTiming<HI_handle>(HI_powMod, &BitOperand::hi, bits, c.oddModulus, options.budget);
+            printRow({c.name, std::to_string(bits) + " bits", t});
+        }
+    }
+}
 
 }  // namespace
 
@@ -234,8 +325,9 @@ int main(int argc, char** argv) {
         if (!options.only.empty() && std::string(c.name).find(options.only) == std::string::npos) continue;
         for (std::size_t digits = 1000; digits <= std::min(c.maxDigits, options.maxDigits); digits *= 10) {
             TW_setTerminate(0);
-            printRow({c.name, digits, c.run(digits, options.budget)});
+            printRow({c.name, powerOfTen(digits), c.run(digits, options.budget)});
         }
     }
+    runPowModCases(options);
     return 0;
 }
