@@ -1,6 +1,7 @@
 #include "calculator.h"
 
 #include <cctype>
+#include <cstdint>
 
 namespace twcalc {
 
@@ -15,23 +16,55 @@ std::uint32_t smallOperand(const Integer& v, const Node& where, const char* what
 
 Integer fromBool(bool b) { return Integer(b ? 1 : 0); }
 
+std::string arityText(const Function& f) {
+    const std::string count = std::to_string(f.minArity);
+    if (f.maxArity != f.minArity) return count + " or more arguments";
+    return count + " argument" + (f.minArity == 1 ? "" : "s");
+}
+
+}  // namespace
+
+namespace {
+
+// The word argument of root, floor, trunc and ceil.
+std::uint32_t wordArgument(const Integer& v) {
+    if (v.sign() < 0 || v.bits() > 32) throw ArgumentError("the count must be between 0 and 4294967295");
+    return std::uint32_t(v.to_uint64());
+}
+
+std::uint32_t degree(const Integer& v) {
+    if (v.is_zero()) throw ArgumentError("the degree must be 1 or more");
+    return wordArgument(v);
+}
+
 }  // namespace
 
 // Adding a function is one line here.
 const std::map<std::string, Function>& functionTable() {
+    using Args = const std::vector<Integer>&;
+    constexpr std::size_t kMany = SIZE_MAX;
     static const std::map<std::string, Function> table = {
-        {"abs", {1, [](const std::vector<Integer>& a) { return abs(a[0]); }}},
-        {"sign", {1, [](const std::vector<Integer>& a) { return Integer(a[0].sign()); }}},
-        {"digits", {1, [](const std::vector<Integer>& a) { return Integer(a[0].digits()); }}},
-        {"bits", {1, [](const std::vector<Integer>& a) { return Integer(a[0].bits()); }}},
-        {"min", {2, [](const std::vector<Integer>& a) { return a[0] < a[1] ? a[0] : a[1]; }}},
-        {"max", {2, [](const std::vector<Integer>& a) { return a[0] < a[1] ? a[1] : a[0]; }}},
-        {"gcd", {2, [](const std::vector<Integer>& a) { return gcd(a[0], a[1]); }}},
-        {"lcm", {2, [](const std::vector<Integer>& a) { return lcm(a[0], a[1]); }}},
-        {"powmod", {3, [](const std::vector<Integer>& a) { return powmod(a[0], a[1], a[2]); }}},
-        {"invmod", {2, [](const std::vector<Integer>& a) { return invert(a[0], a[1]); }}},
-        {"sqrt", {1, [](const std::vector<Integer>& a) { return sqrt(a[0]); }}},
-        {"log", {2, [](const std::vector<Integer>& a) { return Integer(ilog(a[0], a[1])); }}},
+        {"abs", {1, 1, [](Args a) { return abs(a[0]); }, "abs(a)", "absolute value"}},
+        {"sign", {1, 1, [](Args a) { return Integer(a[0].sign()); }, "sign(a)", "-1, 0 or 1"}},
+        {"digits", {1, 1, [](Args a) { return Integer(a[0].digits()); }, "digits(a)", "number of decimal digits"}},
+        {"bits", {1, 1, [](Args a) { return Integer(a[0].bits()); }, "bits(a)", "number of bits"}},
+        {"min", {2, 2, [](Args a) { return a[0] < a[1] ? a[0] : a[1]; }, "min(a, b)", "the smaller"}},
+        {"max", {2, 2, [](Args a) { return a[0] < a[1] ? a[1] : a[0]; }, "max(a, b)", "the larger"}},
+        {"gcd", {2, kMany, [](Args a) { return gcd(a); }, "gcd(a, b, ...)", "greatest common divisor, >= 0"}},
+        {"lcm", {2, kMany, [](Args a) { return lcm(a); }, "lcm(a, b, ...)", "least common multiple, >= 0"}},
+        {"powmod", {3, 3, [](Args a) { return powmod(a[0], a[1], a[2]); }, "powmod(b, e, m)",
+                    "b^e modulo m (e < 0: the inverse's power)"}},
+        {"invmod", {2, 2, [](Args a) { return invert(a[0], a[1]); }, "invmod(a, m)", "inverse of a modulo m, 0 if none"}},
+        {"sqrt", {1, 1, [](Args a) { return sqrt(a[0]); }, "sqrt(a)", "square root, truncated"}},
+        {"root", {2, 2, [](Args a) { return root(a[0], degree(a[1])); }, "root(a, n)",
+                  "n-th root, truncated toward zero"}},
+        {"log", {2, 2, [](Args a) { return Integer(ilog(a[0], a[1])); }, "log(a, b)", "floor of log base b of |a|"}},
+        {"floor", {2, 2, [](Args a) { return floor(a[0], wordArgument(a[1])); }, "floor(x, n)",
+                   "x kept to n leading digits, rounded down"}},
+        {"trunc", {2, 2, [](Args a) { return trunc(a[0], wordArgument(a[1])); }, "trunc(x, n)",
+                   "x kept to n leading digits, rounded toward zero"}},
+        {"ceil", {2, 2, [](Args a) { return ceil(a[0], wordArgument(a[1])); }, "ceil(x, n)",
+                  "x kept to n leading digits, rounded up"}},
     };
     return table;
 }
@@ -60,12 +93,16 @@ Integer Calculator::eval(const Node& node) {
         case Node::Kind::Call: {
             const auto it = functionTable().find(node.text);
             if (it == functionTable().end()) throw EvaluationError(node.column, "unknown function '" + node.text + "'");
-            if (node.operands.size() != it->second.arity)
-                throw EvaluationError(node.column, node.text + " takes " + std::to_string(it->second.arity) +
-                                                       " argument" + (it->second.arity == 1 ? "" : "s"));
+            const Function& f = it->second;
+            if (node.operands.size() < f.minArity || node.operands.size() > f.maxArity)
+                throw EvaluationError(node.column, node.text + " takes " + arityText(f));
             std::vector<Integer> args;
             for (const auto& operand : node.operands) args.push_back(eval(*operand));
-            return it->second.apply(args);
+            try {
+                return f.apply(args);
+            } catch (const ArgumentError& e) {
+                throw EvaluationError(node.column, std::string(node.text) + ": " + e.what());
+            }
         }
         case Node::Kind::Unary: {
             Integer v = eval(*node.operands[0]);

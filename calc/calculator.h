@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <map>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -20,12 +21,21 @@ struct EvaluationError : ColumnError {
     using ColumnError::ColumnError;
 };
 
-// A named function: its argument count and what it computes.
+// A named function: how many arguments it takes, what it computes, and its
+// line in --help.
 struct Function {
-    std::size_t arity;
+    std::size_t minArity, maxArity;
     Integer (*apply)(const std::vector<Integer>& args);
+    const char* usage;        // "gcd(a, b, ...)"
+    const char* description;  // "greatest common divisor"
 };
 const std::map<std::string, Function>& functionTable();
+
+// An argument that must be a machine word (a root's degree, a digit count)
+// and is not: the caller adds the column.
+struct ArgumentError : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
 
 class Calculator {
 public:

@@ -3,7 +3,8 @@
 //   twcalc [options] 'EXPR'    evaluate and print
 //   twcalc [options]           read expressions line by line from standard input
 //
-// Options: --hex, --radix N, --group, --full, --out FILE, --time.
+// Options: --hex, --radix N, --group, --full, --out FILE, --time, --help (-h),
+// --version.
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -40,17 +41,45 @@ struct Options {
     bool haveExpression = false;
 };
 
+constexpr const char* kUsage = "usage: twcalc [--hex] [--radix N] [--group] [--full] [--out FILE] [--time] ['EXPR']\n";
+
 [[noreturn]] void usage(const char* message) {
-    std::fprintf(stderr, "twcalc: %s\nusage: twcalc [--hex] [--radix N] [--group] [--full] [--out FILE] [--time] ['EXPR']\n",
-                 message);
+    std::fprintf(stderr, "twcalc: %s\n%s", message, kUsage);
     std::exit(2);
+}
+
+[[noreturn]] void help() {
+    std::printf("%s\n"
+                "Evaluates EXPR, or else reads one expression a line from standard input\n"
+                "(quit, exit or end of input leave; Ctrl-C stops a long evaluation).\n\n"
+                "Options:\n"
+                "  --hex          print results in hexadecimal\n"
+                "  --radix N      print results in radix N (2 to 4294967295, 0 for 2^32)\n"
+                "  --group        group the digits (1,234,567; FFFF,FFFF)\n"
+                "  --full         print long results whole (else first and last 50 digits)\n"
+                "  --out FILE     also write each result whole to FILE\n"
+                "  --time         print the time each evaluation took\n"
+                "  -h, --help     this text\n"
+                "  --version      the library's version\n\n"
+                "Expressions: integers (decimal or 0x hexadecimal), variables (x = ...; ans\n"
+                "is the last result), + - * / %% ^ << >>, comparisons < <= > >= == != giving\n"
+                "1 or 0, parentheses. Division truncates toward zero.\n\n"
+                "Functions:\n",
+                kUsage);
+    for (const auto& [name, f] : functionTable()) std::printf("  %-16s %s\n", f.usage, f.description);
+    std::exit(0);
 }
 
 Options parseArguments(int argc, char** argv) {
     Options o;
     for (int i = 1; i < argc; ++i) {
         const std::string arg = argv[i];
-        if (arg == "--hex") {
+        if (arg == "--help" || arg == "-h") {
+            help();
+        } else if (arg == "--version") {
+            std::printf("twcalc, %s\n", TW_getVerA());
+            std::exit(0);
+        } else if (arg == "--hex") {
             o.output.radix = 16;
         } else if (arg == "--radix") {
             if (++i == argc) usage("--radix needs a number");

@@ -96,6 +96,11 @@ T checked(T value) {
         static constexpr auto gcd = P##_gcd;                                                  \
         static constexpr auto lcm = P##_lcm;                                                  \
         static constexpr auto gcdEx = P##_gcdEx;                                              \
+        static constexpr auto gcdList = P##_gcd_v##S;                                         \
+        static constexpr auto lcmList = P##_lcm_v##S;                                         \
+        static constexpr auto floor = P##_floor;                                              \
+        static constexpr auto truncate = P##_truncate;                                        \
+        static constexpr auto ceil = P##_ceil;                                                \
         static constexpr auto powMod = P##_powMod;                                            \
         static constexpr auto invertMod = P##_invertMod;                                      \
         static constexpr auto rootRem = P##_rootRem;                                          \
@@ -187,16 +192,46 @@ public:
     }
     BasicInteger operator+() const { return *this; }
 
-    friend BasicInteger operator+(BasicInteger a, const BasicInteger& b) { return a += b; }
-    friend BasicInteger operator-(BasicInteger a, const BasicInteger& b) { return a -= b; }
-    friend BasicInteger operator*(BasicInteger a, const BasicInteger& b) { return a *= b; }
-    friend BasicInteger operator/(BasicInteger a, const BasicInteger& b) { return a /= b; }
-    friend BasicInteger operator%(BasicInteger a, const BasicInteger& b) { return a %= b; }
-    friend BasicInteger operator&(BasicInteger a, const BasicInteger& b) { return a &= b; }
-    friend BasicInteger operator|(BasicInteger a, const BasicInteger& b) { return a |= b; }
-    friend BasicInteger operator^(BasicInteger a, const BasicInteger& b) { return a ^= b; }
-    friend BasicInteger operator<<(BasicInteger a, std::uint32_t k) { return a <<= k; }
-    friend BasicInteger operator>>(BasicInteger a, std::uint32_t k) { return a >>= k; }
+    friend BasicInteger operator+(BasicInteger a, const BasicInteger& b) {
+        a += b;
+        return a;
+    }
+    friend BasicInteger operator-(BasicInteger a, const BasicInteger& b) {
+        a -= b;
+        return a;
+    }
+    friend BasicInteger operator*(BasicInteger a, const BasicInteger& b) {
+        a *= b;
+        return a;
+    }
+    friend BasicInteger operator/(BasicInteger a, const BasicInteger& b) {
+        a /= b;
+        return a;
+    }
+    friend BasicInteger operator%(BasicInteger a, const BasicInteger& b) {
+        a %= b;
+        return a;
+    }
+    friend BasicInteger operator&(BasicInteger a, const BasicInteger& b) {
+        a &= b;
+        return a;
+    }
+    friend BasicInteger operator|(BasicInteger a, const BasicInteger& b) {
+        a |= b;
+        return a;
+    }
+    friend BasicInteger operator^(BasicInteger a, const BasicInteger& b) {
+        a ^= b;
+        return a;
+    }
+    friend BasicInteger operator<<(BasicInteger a, std::uint32_t k) {
+        a <<= k;
+        return a;
+    }
+    friend BasicInteger operator>>(BasicInteger a, std::uint32_t k) {
+        a >>= k;
+        return a;
+    }
 
     // Quotient and remainder in one division.
     friend std::pair<BasicInteger, BasicInteger> divmod(const BasicInteger& a, const BasicInteger& b) {
@@ -206,9 +241,13 @@ public:
     }
     friend BasicInteger pow(const BasicInteger& a, std::uint32_t e) {
         BasicInteger r;
-        return r.run(Traits::pow(r.h_, a.h_, e));
+        r.run(Traits::pow(r.h_, a.h_, e));
+        return r;
     }
-    friend BasicInteger abs(BasicInteger a) { return a.run(Traits::abs(a.h_)); }
+    friend BasicInteger abs(BasicInteger a) {
+        a.run(Traits::abs(a.h_));
+        return a;
+    }
 
     // ---- number theory ----
     // gcd and lcm of the magnitudes; gcdext gives g = a x + b y >= 0 as
@@ -217,11 +256,13 @@ public:
     // toward zero (root(-27, 3) is -3); ilog is floor(log_|base| |a|).
     friend BasicInteger gcd(const BasicInteger& a, const BasicInteger& b) {
         BasicInteger r;
-        return r.run(Traits::gcd(r.h_, a.h_, b.h_));
+        r.run(Traits::gcd(r.h_, a.h_, b.h_));
+        return r;
     }
     friend BasicInteger lcm(const BasicInteger& a, const BasicInteger& b) {
         BasicInteger r;
-        return r.run(Traits::lcm(r.h_, a.h_, b.h_));
+        r.run(Traits::lcm(r.h_, a.h_, b.h_));
+        return r;
     }
     struct GcdExt;
     friend GcdExt gcdext(const BasicInteger& a, const BasicInteger& b) {
@@ -229,21 +270,42 @@ public:
         e.g.run(Traits::gcdEx(e.g.h_, e.x.h_, e.y.h_, a.h_, b.h_));
         return e;
     }
+    // The gcd and lcm of a list: 0 and 1 for an empty one.
+    friend BasicInteger gcd(const std::vector<BasicInteger>& values) { return ofList(Traits::gcdList, values); }
+    friend BasicInteger lcm(const std::vector<BasicInteger>& values) { return ofList(Traits::lcmList, values); }
     friend BasicInteger powmod(const BasicInteger& base, const BasicInteger& e, const BasicInteger& m) {
         BasicInteger r;
-        return r.run(Traits::powMod(r.h_, base.h_, e.h_, m.h_));
+        r.run(Traits::powMod(r.h_, base.h_, e.h_, m.h_));
+        return r;
     }
     friend BasicInteger invert(const BasicInteger& a, const BasicInteger& m) {
         BasicInteger r;
-        return r.run(Traits::invertMod(r.h_, a.h_, m.h_));
+        r.run(Traits::invertMod(r.h_, a.h_, m.h_));
+        return r;
     }
     friend BasicInteger root(const BasicInteger& a, std::uint32_t n) {
         BasicInteger r;
-        return r.run(Traits::rootRem(r.h_, nullptr, a.h_, n));
+        r.run(Traits::rootRem(r.h_, nullptr, a.h_, n));
+        return r;
     }
     friend BasicInteger sqrt(const BasicInteger& a) { return root(a, 2); }
     friend std::uint32_t ilog(const BasicInteger& a, const BasicInteger& base) {
         return detail::checked(Traits::log(a.h_, base.h_));
+    }
+    // x with only its n leading digits (decimal digits for Integer, bits
+    // for IntegerX), the rest rounded away toward -infinity, toward zero
+    // or toward +infinity; n = 0 keeps x.
+    friend BasicInteger floor(BasicInteger x, std::uint32_t n) {
+        x.run(Traits::floor(x.h_, n));
+        return x;
+    }
+    friend BasicInteger trunc(BasicInteger x, std::uint32_t n) {
+        x.run(Traits::truncate(x.h_, n));
+        return x;
+    }
+    friend BasicInteger ceil(BasicInteger x, std::uint32_t n) {
+        x.run(Traits::ceil(x.h_, n));
+        return x;
     }
     friend void swap(BasicInteger& a, BasicInteger& b) noexcept { std::swap(a.h_, b.h_); }
 
@@ -265,6 +327,16 @@ public:
 private:
     template <class OtherHandle>
     void assignFrom(OtherHandle other);
+
+    template <class ListFunction>
+    static BasicInteger ofList(ListFunction f, const std::vector<BasicInteger>& values) {
+        std::vector<Handle> handles;
+        handles.reserve(values.size());
+        for (const BasicInteger& v : values) handles.push_back(v.h_);
+        BasicInteger r;
+        r.run(f(r.h_, handles.data(), static_cast<std::uint32_t>(handles.size())));
+        return r;
+    }
 
     BasicInteger& run(Handle result) {
         (void)result;

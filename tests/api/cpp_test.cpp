@@ -97,6 +97,15 @@ TYPED_TEST(Cpp, NumberTheory) {
     EXPECT_EQ(sqrt(pow(T(10), 40) - 1), pow(T(10), 20) - 1);
     EXPECT_EQ(root(T(-27), 3), T(-3));
     EXPECT_EQ(ilog(pow(T(3), 50), T(3)), 50u);
+    EXPECT_EQ(gcd(std::vector<T>{a, b, T(6)}), T(6));
+    EXPECT_TRUE(gcd(std::vector<T>{}) == T(0) && lcm(std::vector<T>{}) == T(1));
+    EXPECT_EQ(lcm(std::vector<T>{T(4), T(-6), T(10)}), T(60));
+    const T x(-1000003);  // 20 bits: floor, trunc and ceil keep 2 decimal digits or 18 bits
+    const bool decimal = std::is_same_v<T, Integer>;
+    const std::uint32_t n = decimal ? 2 : 18;
+    EXPECT_EQ(floor(x, n), decimal ? T(-1100000) : T(-1000004));
+    EXPECT_EQ(trunc(x, n), T(-1000000));
+    EXPECT_EQ(ceil(-x, n), decimal ? T(1100000) : T(1000004));
     EXPECT_THROW(powmod(T(3), T(2), T(0)), tarnwick::Error);
     EXPECT_THROW(ilog(T(0), T(10)), tarnwick::Error);
     EXPECT_EQ(TW_getLastError(), 0);  // a throw leaves the error state clear

@@ -31,7 +31,9 @@ TEST(Calculator, EvaluatesExpressions) {
         {"2^127-1", "170141183460469231731687303715884105727"}, {"(3^1000) % 10^20", "73102768902855220001"},
         {"digits(10^1000)", "1001"}, {"bits(2^4096)", "4097"}, {"abs(-12) + sign(-3)", "11"}, {"max(3, min(7, 5))", "5"},
         {"gcd(2^100, 6^50)", "1125899906842624"}, {"lcm(4, 6)", "12"}, {"powmod(3, 10^20, 10^9 + 7)", "139421235"},
-        {"invmod(3, 7)", "5"}, {"sqrt(10^40 - 1)", "99999999999999999999"}, {"log(10^20, 10)", "20"}};
+        {"invmod(3, 7)", "5"}, {"sqrt(10^40 - 1)", "99999999999999999999"}, {"log(10^20, 10)", "20"},
+        {"gcd(12, 18, 27)", "3"}, {"lcm(4, -6, 10)", "60"}, {"root(-3^30, 3)", "-59049"}, {"floor(-123456, 2)", "-130000"},
+        {"trunc(-123456, 2)", "-120000"}, {"ceil(123456, 2)", "130000"}};
     for (const auto& [line, want] : cases) EXPECT_EQ(eval(line), want) << line;
     Calculator calc;
     EXPECT_EQ(eval(calc, "x = 3^100"), "515377520732011331036461129765621272702107522001");
@@ -63,7 +65,7 @@ TEST(Calculator, ErrorsCarryTheirColumn) {
         }
         return 0;
     };
-    const std::pair<const char*, std::size_t> wrong[] = {{"1 + nope", 5}, {"nope(1)", 1}, {"abs(1, 2)", 1}, {"2 ^ -1", 3},
+    const std::pair<const char*, std::size_t> wrong[] = {{"1 + nope", 5}, {"nope(1)", 1}, {"abs(1, 2)", 1}, {"gcd(1)", 1}, {"root(8, 0)", 1}, {"floor(8, -1)", 1}, {"2 ^ -1", 3},
                                                          {"2 ^ 4294967296", 3}, {"1 << -1", 3}, {"ans = 1", 1}};
     for (const auto& [line, column] : wrong) EXPECT_EQ(evaluation(line), column) << line;
     EXPECT_THROW(calc.evaluate(parseLine("1 / (2 - 2)")), tarnwick::Error);
@@ -118,6 +120,9 @@ TEST(TwcalcProgram, AnswersOptionsAndErrors) {
         EXPECT_TRUE(r.exitCode != 0 && r.err == message && r.out.empty()) << args << ": " << r.err;
     }
     EXPECT_EQ(twcalc("--radix 1 '5'").exitCode, 2);
+    const ProgramRun help = twcalc("-h");
+    EXPECT_TRUE(help.exitCode == 0 && help.out.find("\n  root(a, n) ") != std::string::npos) << help.out;
+    EXPECT_EQ(twcalc("--version").out.rfind("twcalc, Tarnwick V", 0), 0u);
     const ProgramRun lines = twcalc("", "x = 6\n\nx * 7\n1 / 0\nans + 1\n");
     EXPECT_EQ(lines.out, "6\n42\n43\n");
     EXPECT_EQ(lines.err, "error: division by zero\n");
