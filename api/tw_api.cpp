@@ -5,6 +5,7 @@
 #include "frame/version.h"
 #include "numtheory/word_gcd.h"
 #include "numtheory/word_modular.h"
+#include "numtheory/word_primes.h"
 #include "tarnwick.h"
 
 extern "C" {
@@ -44,5 +45,16 @@ TW_API uint32_t TW_CALL TW_powMod(uint32_t base, int32_t exponent, uint32_t modu
     return tw::numtheory::powModWord(base, uint32_t(exponent), modulus);
 }
 TW_API uint32_t TW_CALL TW_invertMod(uint32_t a, uint32_t modulus) { return tw::numtheory::invertModWord(a, modulus); }
+
+// ---- 32-bit primes ----
+TW_API uint32_t TW_CALL TW_isPrime(uint32_t n) { return tw::numtheory::isPrimeWord(n); }
+TW_API int32_t TW_CALL TW_nextPrime(int32_t n) { return tw::numtheory::nextPrimeSigned(n); }
+TW_API int32_t TW_CALL TW_previousPrime(int32_t n) { return tw::numtheory::previousPrimeSigned(n); }
+TW_API uint32_t TW_CALL TW_getPrime(uint32_t k) { return tw::numtheory::nthPrime(k); }
+TW_API uint32_t TW_CALL TW_getPrimePi(uint32_t n) { return tw::numtheory::primePi(n); }
+TW_API uint32_t TW_CALL TW_getPrimeCount(uint32_t low, uint32_t high) { return tw::numtheory::primeCount(low, high); }
+TW_API uint32_t TW_CALL TW_getPrimeList(uint32_t *out, uint32_t low, uint32_t high, uint32_t maxCount) {
+    return tw::numtheory::primeList(out, low, high, maxCount);
+}
 
 }  // extern "C"

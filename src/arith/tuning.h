@@ -165,4 +165,14 @@ namespace tw::numtheory {
 // rule for the switch, not a measured crossover.
 inline constexpr std::int64_t kSubquadraticGcdDigits = 65536;
 
+// ---- 32-bit primes ----
+
+// Ranges shorter than this are counted by sieving them rather than by two
+// values of pi(x), and the k-th prime's bisection hands over to a sieve once
+// its bracket is this short.  Measured on random ranges of the strong test's
+// span (40 each, machine under load): sieving 2^16 numbers 0.30 ms against
+// 0.82 ms for two values of pi, 2^17 numbers 0.94 ms against 0.52 ms.
+inline constexpr std::uint32_t kPrimeSieveCountSpan = 1u << 16;
+inline constexpr std::uint32_t kPrimeSieveFinishSpan = 1u << 16;
+
 }  // namespace tw::numtheory

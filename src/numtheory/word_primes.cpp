@@ -1,0 +1,278 @@
+#include "numtheory/word_primes.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <vector>
+
+#include "arith/tuning.h"
+#include "numtheory/prime_tables.h"
+
+namespace tw::numtheory {
+namespace {
+
+// Composite, yet a strong probable prime to the bases 2, 7 and 61 below the
+// cut-over point of the two base lists: answered without a test.
+constexpr std::uint32_t kListedComposite = 9080191;
+// Below this, the bases 31 and 73 decide; from it on, 2, 7 and 61.
+constexpr std::uint32_t kTwoBaseLimit = 15560651;
+
+constexpr std::uint32_t kWheelResidue[8] = {1, 7, 11, 13, 17, 19, 23, 29};
+constexpr std::uint32_t kWheelGap[8] = {6, 4, 2, 4, 2, 4, 6, 2};
+// The index of the least wheel residue not below r.
+constexpr std::uint8_t kWheelIndex[30] = {0, 0, 1, 1, 1, 1, 1, 1, 2, 2, 2, 2, 3, 3, 4,
+                                          4, 4, 4, 5, 5, 6, 6, 6, 6, 7, 7, 7, 7, 7, 7};
+
+// pi(2^k) for k = 0..31 and pi(10^k) for k = 0..6.
+constexpr std::uint32_t kPiOfPowerOfTwo[32] = {
+    0,      1,      2,      4,       6,       11,      18,      31,       54,       97,       172,
+    309,    564,    1028,   1900,    3512,    6542,    12251,   23000,    43390,    82025,    155611,
+    295947, 564163, 1077871, 2063689, 3957809, 7603553, 14630843, 28192750, 54400028, 105097565};
+constexpr std::uint32_t kPiOfPowerOfTen[7] = {0, 4, 25, 168, 1229, 9592, 78498};
+
+// pi(10^7), pi(10^8), pi(10^9): the brackets of the k-th prime's bisection.
+constexpr std::uint32_t kPiTenToSeven = 664579, kPiTenToEight = 5761455, kPiTenToNine = 50847534;
+
+std::uint32_t powMod(std::uint32_t b, std::uint32_t e, std::uint32_t n) {
+    std::uint64_t result = 1, base = b % n;
+    for (; e != 0; e >>= 1) {
+        if (e & 1) result = result * base % n;
+        base = base * base % n;
+    }
+    return std::uint32_t(result);
+}
+
+bool strongProbablePrime(std::uint32_t n, std::uint32_t base) {
+    std::uint32_t d = n - 1;
+    int s = 0;
+    while ((d & 1) == 0) d >>= 1, ++s;
+    std::uint64_t x = powMod(base, d, n);
+    if (x == 1 || x == n - 1) return true;
+    while (--s > 0) {
+        x = x * x % n;
+        if (x == n - 1) return true;
+    }
+    return false;
+}
+
+// The exact test of an odd n between the tables.
+bool strongTestSaysPrime(std::uint32_t n) {
+    if (n == kListedComposite) return false;
+    if (n < kTwoBaseLimit) return strongProbablePrime(n, 31) && strongProbablePrime(n, 73);
+    return strongProbablePrime(n, 2) && strongProbablePrime(n, 7) && strongProbablePrime(n, 61);
+}
+
+bool inTable(const std::vector<std::uint32_t>& table, std::uint32_t n) {
+    return std::binary_search(table.begin(), table.end(), n);
+}
+
+// Entries of the table not above n.
+std::uint32_t countNotAbove(const std::vector<std::uint32_t>& table, std::uint32_t n) {
+    return std::uint32_t(std::upper_bound(table.begin(), table.end(), n) - table.begin());
+}
+
+std::uint32_t integerRoot(std::uint64_t x, int n) {
+    std::uint64_t r = std::uint64_t(std::pow(double(x), 1.0 / n));
+    const auto power = [n](std::uint64_t v) {
+        std::uint64_t p = 1;
+        for (int i = 0; i < n; ++i) p *= v;
+        return p;
+    };
+    while (r > 0 && power(r) > x) --r;
+    while (power(r + 1) <= x) ++r;
+    return std::uint32_t(r);
+}
+
+// phi(x, a): how many of 1..x have no prime factor among the first a primes,
+// by Legendre's recursion phi(x, a) = phi(x, a - 1) - phi(x / p_a, a - 1)
+// unrolled down to the closed form of the first seven primes, and cut short
+// where the survivors are known: none but 1 when p_a >= x, 1 and the primes
+// above p_a below p_(a+1)^2, the cached bit sets for small x and a.
+std::uint64_t phi(std::uint32_t x, std::uint32_t a, const PrimeTables& t) {
+    if (a <= std::uint32_t(kPhiClosedFormPrimes)) {
+        static constexpr std::uint32_t kTotientOfPrimorial[8] = {1, 1, 2, 8, 48, 480, 5760, 92160};
+        const std::uint32_t P = t.primorial[a];
+        return std::uint64_t(x / P) * kTotientOfPrimorial[a] + t.phiCounts[a][x % P];
+    }
+    if (t.small[a - 1] >= x) return x == 0 ? 0 : 1;
+    const std::uint64_t next = t.small[a];
+    if (x <= kSmallPrimeLimit && x < next * next) return 1 + t.smallPi(x) - a;
+    if (x < kPhiCacheLimit && a <= kPhiCachePrimes) return t.cachedPhi(x, a);
+    if (x <= kSmallPrimeLimit && x < next * next * next) {
+        // Below p_(a+1)^3 the survivors past the primes are products of two
+        // primes above p_a: fewer terms than the recursion when p_a is large.
+        const std::uint32_t rootPi = t.smallPi(integerRoot(x, 2));
+        if (rootPi - a < a - kPhiClosedFormPrimes) {
+            std::uint64_t survivors = 1 + t.smallPi(x) - a;
+            for (std::uint32_t j = a + 1; j <= rootPi; ++j) survivors += t.smallPi(x / t.small[j - 1]) - (j - 1);
+            return survivors;
+        }
+    }
+    std::uint64_t result = phi(x, kPhiClosedFormPrimes, t);
+    for (std::uint32_t i = kPhiClosedFormPrimes + 1; i <= a; ++i) {
+        const std::uint32_t y = x / t.small[i - 1];
+        if (t.small[i - 2] >= y) {  // this term and all later ones are 1
+            result -= a - i + 1;
+            break;
+        }
+        // The leaves the loop meets most, without a call.
+        const std::uint64_t p = t.small[i - 1];
+        if (y < p * p && y <= kSmallPrimeLimit)
+            result -= 1 + t.smallPi(y) - (i - 1);
+        else if (y < kPhiCacheLimit && i - 1 <= kPhiCachePrimes && i - 1 > kPhiClosedFormPrimes)
+            result -= t.cachedPhi(y, i - 1);
+        else
+            result -= phi(y, i - 1, t);
+    }
+    return result;
+}
+
+// Meissel's formula: with a = pi(x^(1/3)) and b = pi(x^(1/2)),
+// pi(x) = phi(x, a) + a - 1 - sum over a < i <= b of (pi(x / p_i) - (i - 1)).
+// Every x / p_i there lies below x^(2/3), inside the small table.
+std::uint32_t meissel(std::uint32_t x, const PrimeTables& t) {
+    const std::uint32_t a = t.smallPi(integerRoot(x, 3));
+    const std::uint32_t b = t.smallPi(integerRoot(x, 2));
+    std::int64_t sum = std::int64_t(phi(x, a, t)) + a - 1;
+    for (std::uint32_t i = a + 1; i <= b; ++i) sum -= std::int64_t(t.smallPi(x / t.small[i - 1])) - (i - 1);
+    return std::uint32_t(sum);
+}
+
+// Primes in [low, high] by sieving windows of the range; stops after
+// maxCount and writes them when out is given.
+std::uint32_t sieveRange(std::uint32_t* out, std::uint32_t low, std::uint32_t high, std::uint32_t maxCount) {
+    constexpr std::uint32_t kWindow = 1u << 18;
+    std::vector<std::uint8_t> composite;
+    std::uint32_t found = 0;
+    for (std::uint64_t start = low; start <= high && found < maxCount; start += kWindow) {
+        const std::uint32_t length = std::uint32_t(std::min<std::uint64_t>(kWindow, std::uint64_t(high) - start + 1));
+        sieveSegment(std::uint32_t(start), length, composite);
+        for (std::uint32_t i = 0; i < length && found < maxCount; ++i) {
+            if (composite[i]) continue;
+            if (out != nullptr) out[found] = std::uint32_t(start + i);
+            ++found;
+        }
+    }
+    return found;
+}
+
+}  // namespace
+
+std::uint32_t isPrimeWord(std::uint32_t n) {
+    if (n < 2) return 0;
+    if ((n & 1) == 0) return n == 2;
+    const PrimeTables& t = primeTables();
+    if (n <= kSmallPrimeLimit + 1) return inTable(t.small, n);
+    if (n >= kTopPrimeStart) return inTable(t.top, n);
+    return strongTestSaysPrime(n);
+}
+
+std::uint32_t nextPrimeWord(std::uint32_t n) {
+    if (n < 2) return 2;
+    const PrimeTables& t = primeTables();
+    if (n <= kSmallPrimeLimit + 1) {
+        if (n >= kSmallPrimeLimit) return 2643913;  // the first prime past the table
+        return *std::upper_bound(t.small.begin(), t.small.end(), n);
+    }
+    if (n >= kTopPrimeStart) {
+        const auto it = std::upper_bound(t.top.begin(), t.top.end(), n);
+        return it == t.top.end() ? 0 : *it;
+    }
+    // Candidates on the mod-30 wheel from n + 1 on.
+    const std::uint32_t r = (n + 1) % 30;
+    std::uint32_t i = kWheelIndex[r];
+    std::uint32_t c = kWheelResidue[i] - r + n + 1;
+    while (c == kListedComposite || !strongTestSaysPrime(c)) {
+        c += kWheelGap[i];
+        i = (i + 1) & 7;
+        if (c >= kTopPrimeStart) return kTopPrimeStart;
+    }
+    return c;
+}
+
+std::uint32_t previousPrimeWord(std::uint32_t n) {
+    if (n <= 2) return 0;
+    const PrimeTables& t = primeTables();
+    if (n > kTopPrimeStart) return *(std::lower_bound(t.top.begin(), t.top.end(), n) - 1);
+    if (n <= kSmallPrimeLimit + 1) return *(std::lower_bound(t.small.begin(), t.small.end(), n) - 1);
+    // Wheel candidates downward from n - 1; the small table ends the walk.
+    std::uint32_t c = n - 1;
+    while (kWheelResidue[kWheelIndex[c % 30]] != c % 30) --c;
+    for (;;) {
+        if (c <= kSmallPrimeLimit) return kSmallPrimeLimit;
+        if (strongTestSaysPrime(c)) return c;
+        const std::uint32_t index = kWheelIndex[c % 30];
+        c -= kWheelGap[(index + 7) & 7];
+    }
+}
+
+std::int32_t nextPrimeSigned(std::int32_t n) {
+    if (n < -2) return -std::int32_t(previousPrimeWord(0u - std::uint32_t(n)));
+    if (n <= 1) return 2;
+    if (n == 2147483647) return 1;
+    return std::int32_t(nextPrimeWord(std::uint32_t(n)));
+}
+
+std::int32_t previousPrimeSigned(std::int32_t n) {
+    if (n < -1) {
+        if (n <= -2147483647) return -1;
+        return -std::int32_t(nextPrimeWord(std::uint32_t(-n)));
+    }
+    if (n <= 2) return -2;
+    return std::int32_t(previousPrimeWord(std::uint32_t(n)));
+}
+
+std::uint32_t primePi(std::uint32_t n) {
+    if (n < 2) return 0;
+    if ((n & (n - 1)) == 0) return kPiOfPowerOfTwo[std::countr_zero(n)];
+    const PrimeTables& t = primeTables();
+    if (n <= kSmallPrimeLimit + 1) {
+        for (std::uint32_t k = 0, power = 1; k < 7; ++k, power *= 10)
+            if (n == power) return kPiOfPowerOfTen[k];
+        return t.smallPi(n);
+    }
+    if (n >= kTopPrimeStart) return kPrimesBelowTop + countNotAbove(t.top, n);
+    return meissel(n, t);
+}
+
+std::uint32_t nthPrime(std::uint32_t k) {
+    if (k == 0) return 0;
+    const PrimeTables& t = primeTables();
+    if (k <= kSmallPrimeCount) return t.small[k - 1];
+    if (k > kPrimesBelowTop) return k - kPrimesBelowTop <= kTopPrimeCount ? t.top[k - kPrimesBelowTop - 1] : 0;
+    // The least x with pi(x) >= k is the k-th prime; bisect in the bracket
+    // the counts of powers of ten give, and count the last stretch by sieving.
+    std::uint64_t low = kSmallPrimeLimit, high;
+    if (k < kPiTenToSeven) high = 10000000;
+    else if (k < kPiTenToEight) low = 10000000, high = 100000000;
+    else if (k < kPiTenToNine) low = 100000000, high = 1000000000;
+    else low = 1000000000, high = kTopPrimeStart;
+    // Invariant: pi(low) < k <= pi(high).  A power of ten is itself a bracket's
+    // start with pi(low) = k possible; a prime lies within 1000 below each.
+    if (low != kSmallPrimeLimit) low -= 1000;
+    while (high - low > kPrimeSieveFinishSpan) {
+        const std::uint64_t mid = low + (high - low) / 2;
+        if (primePi(std::uint32_t(mid)) >= k) high = mid;
+        else low = mid;
+    }
+    std::uint32_t need = k - primePi(std::uint32_t(low));
+    std::vector<std::uint8_t> composite;
+    sieveSegment(std::uint32_t(low + 1), std::uint32_t(high - low), composite);
+    for (std::uint32_t i = 0;; ++i)
+        if (!composite[i] && --need == 0) return std::uint32_t(low + 1 + i);
+}
+
+std::uint32_t primeCount(std::uint32_t low, std::uint32_t high) {
+    if (low > high) return 0;
+    if (high - low < kPrimeSieveCountSpan && low > kSmallPrimeLimit && high < kTopPrimeStart)
+        return sieveRange(nullptr, low, high, 0xFFFFFFFFu);
+    return primePi(high) - (low == 0 ? 0 : primePi(low - 1));
+}
+
+std::uint32_t primeList(std::uint32_t* out, std::uint32_t low, std::uint32_t high, std::uint32_t maxCount) {
+    if (out == nullptr) return primeCount(low, high);
+    if (low > high || maxCount == 0) return 0;
+    return sieveRange(out, low, high, maxCount);
+}
+
+}  // namespace tw::numtheory
