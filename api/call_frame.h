@@ -10,6 +10,7 @@
 
 #include <cstdint>
 #include <exception>
+#include <tuple>
 #include <vector>
 
 #include "frame/error_state.h"
@@ -17,17 +18,35 @@
 
 namespace tw {
 
+namespace frame_detail {
+
+// The object behind h while every handle before it was known; null once one
+// was not (only the first unknown handle records -4).
+template <class Handle>
+typename Family<Handle>::Object* nextObject(bool& known, Handle h) {
+    if (!known) return nullptr;
+    auto* object = checkedObject(h);
+    known = object != nullptr;
+    return object;
+}
+
+}  // namespace frame_detail
+
+// Whether every handle is live, checked in order; the first unknown one records -4.
 template <class... Handles>
 bool allHandlesKnown(Handles... handles) {
-    return (Family<Handles>::registry().contains(handles) && ...);
+    return ((checkedObject(handles) != nullptr) && ...);
 }
 
 // Queries: the operation's value, or `failure` for an unknown handle.
 template <class T, class Op, class... Handles>
 T frameQuery(T failure, Op&& op, Handles... handles) {
-    if (!allHandlesKnown(handles...)) return failure;
+    bool known = true;
+    // A braced list evaluates left to right: the handles are checked in order.
+    const std::tuple<typename Family<Handles>::Object*...> objects{frame_detail::nextObject(known, handles)...};
+    if (!known) return failure;
     try {
-        return op(Family<Handles>::object(handles)...);
+        return std::apply([&op](auto*... o) { return op(*o...); }, objects);
     } catch (const std::exception&) {
         setLastError(kErrTooLarge);
         return failure;
@@ -38,12 +57,15 @@ T frameQuery(T failure, Op&& op, Handles... handles) {
 // null for an unknown handle.
 template <class Op, class Result, class... Handles>
 Result frameUpdate(Op&& op, Result result, Handles... operands) {
-    if (!allHandlesKnown(result, operands...)) return nullptr;
+    bool known = true;
+    auto* target = frame_detail::nextObject(known, result);
+    const std::tuple<typename Family<Handles>::Object*...> objects{frame_detail::nextObject(known, operands)...};
+    if (!known) return nullptr;
     try {
-        op(Family<Result>::object(result), Family<Handles>::object(operands)...);
+        std::apply([&op, target](auto*... o) { op(*target, *o...); }, objects);
     } catch (const std::exception&) {
         setLastError(kErrTooLarge);
-        Family<Result>::clear(Family<Result>::object(result));
+        Family<Result>::clear(*target);
     }
     return result;
 }
@@ -62,10 +84,8 @@ struct HandleArray {
             return;
         }
         objects.reserve(count);
-        for (std::uint32_t i = 0; i < count && known; ++i) {
-            known = Family<Handle>::registry().contains(handles[i]);
-            if (known) objects.push_back(&Family<Handle>::object(handles[i]));
-        }
+        for (std::uint32_t i = 0; i < count && known; ++i)
+            if (const auto* object = frame_detail::nextObject(known, handles[i])) objects.push_back(object);
     }
 };
 
@@ -73,14 +93,15 @@ struct HandleArray {
 // GCDs): the result handle first, then the array; null for an unknown handle.
 template <class Op, class Result, class Handle>
 Result frameUpdateFromArray(Op&& op, Result result, const Handle* handles, std::uint32_t count) {
-    if (!allHandlesKnown(result)) return nullptr;
+    auto* target = checkedObject(result);
+    if (target == nullptr) return nullptr;
     try {
         const HandleArray<Handle> operands(handles, count);
         if (!operands.known) return nullptr;
-        op(Family<Result>::object(result), operands.objects);
+        op(*target, operands.objects);
     } catch (const std::exception&) {
         setLastError(kErrTooLarge);
-        Family<Result>::clear(Family<Result>::object(result));
+        Family<Result>::clear(*target);
     }
     return result;
 }
@@ -89,7 +110,7 @@ Result frameUpdateFromArray(Op&& op, Result result, const Handle* handles, std::
 // when the handle is live, else null, with no error recorded either way.
 template <class Handle>
 typename Family<Handle>::Object* uncheckedObject(Handle h) {
-    return Family<Handle>::registry().holds(h) ? &Family<Handle>::object(h) : nullptr;
+    return Family<Handle>::find(h);
 }
 
 }  // namespace tw

@@ -3,36 +3,121 @@
 #include "frame/error_state.h"
 
 namespace tw {
+namespace {
 
-bool HandleRegistry::contains(const void* handle) const {
-    if (holds(handle)) return true;
-    setLastError(kErrHandle);
-    return false;
+// Each thread's free slots of the three families; handed back to the shared
+// pools when the thread ends, so that threads that come and go lose none.
+struct ThreadSlots {
+    std::vector<std::uint32_t> free[3];
+    ~ThreadSlots() {
+        HandleRegistry* registries[3] = {&decimalRegistry(), &binaryRegistry(), &converterRegistry()};
+        for (int f = 0; f < 3; ++f) registries[f]->returnToPool(free[f], free[f].size());
+    }
+};
+
+std::vector<std::uint32_t>& threadSlots(HandleFamily family) {
+    thread_local ThreadSlots slots;
+    return slots.free[int(family) - 1];
 }
 
-void HandleRegistry::insert(const void* handle) { handles_.insert(reinterpret_cast<std::uintptr_t>(handle)); }
+// A thread keeps at most this many free slots of a family; past it, half go back.
+constexpr std::size_t kThreadSlotsMax = 4 * HandleRegistry::kBatch;
 
-std::uint32_t HandleRegistry::erase(const void* handle) {
-    if (handle == nullptr) return 1;
-    if (handles_.erase(reinterpret_cast<std::uintptr_t>(handle)) == 0) {
-        setLastError(kErrHandle);
-        return 0;
+}  // namespace
+
+HandleRegistry::Slot* HandleRegistry::slotOf(std::uintptr_t value) const noexcept {
+    const std::uint32_t slot = HandleCodec::slot(value);
+    Slot* chunk = chunks_[slot >> kChunkBits].load(std::memory_order_acquire);
+    return chunk == nullptr ? nullptr : chunk + (slot & (kChunkSlots - 1));
+}
+
+void* HandleRegistry::find(const void* handle) const noexcept {
+    const auto value = reinterpret_cast<std::uintptr_t>(handle);
+    // Only values this registry could have made: its family and no stray bits.
+    if ((value & 3) != std::uintptr_t(family_) ||
+        HandleCodec::encode(family_, HandleCodec::slot(value), HandleCodec::generation(value)) != value)
+        return nullptr;
+    const Slot* s = slotOf(value);
+    if (s == nullptr) return nullptr;
+    void* object = s->object.load(std::memory_order_acquire);
+    if (object == nullptr || s->generation.load(std::memory_order_relaxed) != HandleCodec::generation(value))
+        return nullptr;
+    return object;
+}
+
+void HandleRegistry::fillFromPool(std::vector<std::uint32_t>& out) noexcept {
+    try {
+        const std::lock_guard<std::mutex> lock(poolLock_);
+        while (out.size() < kBatch && !pool_.empty()) {
+            out.push_back(pool_.back());
+            pool_.pop_back();
+        }
+        while (out.size() < kBatch && nextUnused_ < (std::uint64_t(1) << HandleCodec::kSlotBits)) {
+            std::atomic<Slot*>& chunk = chunks_[nextUnused_ >> kChunkBits];
+            if (chunk.load(std::memory_order_relaxed) == nullptr) chunk.store(new Slot[kChunkSlots], std::memory_order_release);
+            out.push_back(nextUnused_++);
+        }
+    } catch (const std::exception&) {
+        // No room for a chunk or the list: whatever was gathered is used.
     }
-    return 1;
+}
+
+void HandleRegistry::returnToPool(std::vector<std::uint32_t>& from, std::size_t count) noexcept {
+    try {
+        const std::lock_guard<std::mutex> lock(poolLock_);
+        pool_.insert(pool_.end(), from.end() - std::ptrdiff_t(count), from.end());
+        from.resize(from.size() - count);
+    } catch (const std::exception&) {
+        // The pool cannot grow: the slots stay with the thread.
+    }
+}
+
+void* HandleRegistry::insert(void* object) noexcept {
+    std::vector<std::uint32_t>& mine = threadSlots(family_);
+    if (mine.empty()) fillFromPool(mine);
+    if (mine.empty()) {
+        setLastError(kErrTooLarge);
+        return nullptr;
+    }
+    const std::uint32_t slot = mine.back();
+    mine.pop_back();
+    Slot* s = chunks_[slot >> kChunkBits].load(std::memory_order_acquire) + (slot & (kChunkSlots - 1));
+    const std::uint32_t generation = s->generation.load(std::memory_order_relaxed);
+    s->object.store(object, std::memory_order_release);
+    live_.fetch_add(1, std::memory_order_relaxed);
+    return reinterpret_cast<void*>(HandleCodec::encode(family_, slot, generation));
+}
+
+void* HandleRegistry::take(const void* handle) noexcept {
+    void* object = find(handle);
+    if (object == nullptr) return nullptr;
+    const auto value = reinterpret_cast<std::uintptr_t>(handle);
+    Slot* s = slotOf(value);
+    s->object.store(nullptr, std::memory_order_relaxed);
+    s->generation.store(HandleCodec::nextGeneration(HandleCodec::generation(value)), std::memory_order_release);
+    live_.fetch_sub(1, std::memory_order_relaxed);
+    std::vector<std::uint32_t>& mine = threadSlots(family_);
+    try {
+        mine.push_back(HandleCodec::slot(value));
+    } catch (const std::exception&) {
+        return object;  // the slot is lost to reuse, never to a stale handle
+    }
+    if (mine.size() > kThreadSlotsMax) returnToPool(mine, mine.size() / 2);
+    return object;
 }
 
 // The registries are never destroyed: a handle used from another static
-// object's destructor at exit still meets a valid registry.
+// object's destructor at exit, or a thread ending late, still meets a valid one.
 HandleRegistry& decimalRegistry() {
-    static HandleRegistry* registry = new HandleRegistry;
+    static HandleRegistry* registry = new HandleRegistry(HandleFamily::Decimal);
     return *registry;
 }
 HandleRegistry& binaryRegistry() {
-    static HandleRegistry* registry = new HandleRegistry;
+    static HandleRegistry* registry = new HandleRegistry(HandleFamily::Binary);
     return *registry;
 }
 HandleRegistry& converterRegistry() {
-    static HandleRegistry* registry = new HandleRegistry;
+    static HandleRegistry* registry = new HandleRegistry(HandleFamily::Converter);
     return *registry;
 }
 

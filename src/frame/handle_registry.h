@@ -1,29 +1,87 @@
-// The registries of live handles, one per family.  A handle is known to a
-// family only if that family's registry holds it, so an HX_ handle passed to an
-// HI_ function fails the check like any stale or invented value.
+// The registries of live handles, one per family.  A handle value encodes its
+// family, a slot of the family's table and the slot's generation; the slot
+// holds the object and the generation it was handed out under.  A lookup is
+// a few loads with no lock, so threads that keep to their own numbers run
+// side by side.  Deleting a handle frees nothing of the table: the slot goes
+// to a free list under a new generation, so a stale handle keeps failing
+// until its slot has been reused 2^32 times (2^12 on 32-bit builds) and the
+// table never grows past the peak of live handles.  Free slots are kept per
+// thread first, and pass through a locked shared pool only in batches.
 #pragma once
 
+#include <atomic>
+#include <cstddef>
 #include <cstdint>
-#include <set>
+#include <memory>
+#include <mutex>
+#include <vector>
 
 namespace tw {
 
+// The family a handle value names; 0 is never a handle's, so no handle is null.
+enum class HandleFamily : std::uint8_t { Decimal = 1, Binary = 2, Converter = 3 };
+
+// How a handle value packs its family, slot and generation.
+struct HandleCodec {
+    static constexpr bool kWide = sizeof(void*) >= 8;
+    static constexpr unsigned kSlotBits = kWide ? 26 : 18;
+    static constexpr unsigned kGenerationShift = kWide ? 32 : 20;
+    static constexpr std::uint32_t kGenerationMask = kWide ? 0xFFFFFFFFu : 0xFFFu;
+    static constexpr std::uint32_t kSlotMask = (1u << kSlotBits) - 1;
+
+    static std::uintptr_t encode(HandleFamily family, std::uint32_t slot, std::uint32_t generation) {
+        return (std::uintptr_t(generation) << kGenerationShift) | (std::uintptr_t(slot) << 2) | std::uintptr_t(family);
+    }
+    static std::uint32_t slot(std::uintptr_t value) { return std::uint32_t(value >> 2) & kSlotMask; }
+    static std::uint32_t generation(std::uintptr_t value) { return std::uint32_t(value >> kGenerationShift) & kGenerationMask; }
+    static std::uint32_t nextGeneration(std::uint32_t g) { return (g + 1) & kGenerationMask; }
+};
+
 class HandleRegistry {
 public:
-    // True for a registered non-null handle; otherwise records -4.
-    bool contains(const void* handle) const;
-    // The same test without recording anything, for the few arguments that
-    // are deliberately not checked.
-    bool holds(const void* handle) const {
-        return handle != nullptr && handles_.count(reinterpret_cast<std::uintptr_t>(handle)) != 0;
+    explicit HandleRegistry(HandleFamily family) : family_(family) {}
+    HandleRegistry(const HandleRegistry&) = delete;
+    HandleRegistry& operator=(const HandleRegistry&) = delete;
+
+    // The object behind a live handle of this family, else null; records nothing.
+    void* find(const void* handle) const noexcept;
+    // A new handle for object, or null (with -3) when the table is full.
+    void* insert(void* object) noexcept;
+    // Unregisters a live handle and returns its object; null for any other value.
+    void* take(const void* handle) noexcept;
+    // Live handles, and the null entry of a failed creation once there was one.
+    std::int32_t count() const noexcept {
+        return live_.load(std::memory_order_relaxed) + (nullCounted_.load(std::memory_order_relaxed) ? 1 : 0);
     }
-    void insert(const void* handle);
-    // 1 when removed or for null; 0 (and -4) when the handle is unknown.
-    std::uint32_t erase(const void* handle);
-    std::int32_t count() const { return std::int32_t(handles_.size()); }
+    // A creation whose object could not be allocated is counted once as a null
+    // entry, which no lookup ever accepts.
+    void countNullEntry() noexcept { nullCounted_.store(true, std::memory_order_relaxed); }
+
+    // Slots move between a thread's own list and the shared pool in batches.
+    static constexpr std::size_t kBatch = 64;
+    // Slots of the shared pool, with the first never-used slot; under the lock.
+    void fillFromPool(std::vector<std::uint32_t>& out) noexcept;
+    void returnToPool(std::vector<std::uint32_t>& from, std::size_t count) noexcept;
 
 private:
-    std::set<std::uintptr_t> handles_;
+    struct Slot {
+        std::atomic<std::uint32_t> generation{0};
+        std::atomic<void*> object{nullptr};
+    };
+    static constexpr unsigned kChunkBits = 12;
+    static constexpr std::size_t kChunkSlots = std::size_t(1) << kChunkBits;
+    static constexpr std::size_t kChunks = std::size_t(1) << (HandleCodec::kSlotBits - kChunkBits);
+
+    Slot* slotOf(std::uintptr_t value) const noexcept;
+
+    const HandleFamily family_;
+    std::atomic<std::int32_t> live_{0};
+    std::atomic<bool> nullCounted_{false};
+    // Chunks of slots, published once and never moved or freed.
+    std::atomic<Slot*> chunks_[kChunks] = {};
+    std::mutex poolLock_;
+    std::vector<std::uint32_t> pool_;  // free slots handed back by threads
+    std::uint32_t nextUnused_ = 0;     // slots from here on were never used
 };
 
 HandleRegistry& decimalRegistry();

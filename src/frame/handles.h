@@ -1,10 +1,11 @@
-// Handle objects and the traits that tie a C handle type to its registry and
-// number type.  The C header declares the handle structs incomplete; they are
-// completed here.
+// The traits that tie a C handle type to its registry and object type, and
+// the creation and deletion of handles.  The C header's handle structs stay
+// incomplete: a handle is a value of the registry's encoding, not an address.
 #pragma once
 
 #include <cstdint>
-#include <new>
+#include <exception>
+#include <utility>
 #include <type_traits>
 
 #include "frame/error_state.h"
@@ -12,69 +13,72 @@
 #include "frame/signed_number.h"
 #include "tarnwick.h"
 
-// One field: the number behind the handle.  After delete the field is null and
-// the handle object itself is kept, so its address is never handed out again.
-struct HI_number_ {
-    tw::DecimalNumber* number;
-};
-struct HX_number_ {
-    tw::BinaryNumber* number;
-};
-
 namespace tw {
 
 template <class Handle> struct Family;
 
 // What the call frame needs of a family: its registry, the object behind a
-// live handle, and how that object is cleared when storage runs out.
-template <class Handle, class NumberType, HandleRegistry& (*Registry)()>
-struct NumberFamily {
-    using Number = NumberType;
-    using Object = NumberType;
+// live handle, and how that object is cleared when storage runs out.  Handle
+// values are the registry's own encoding and are never dereferenced.
+template <class Handle, class ObjectType, HandleRegistry& (*Registry)()>
+struct RegisteredFamily {
+    using Object = ObjectType;
     static HandleRegistry& registry() { return Registry(); }
-    static Object& object(Handle h) { return *h->number; }
-    static void clear(Object& x) { x.setZero(); }
+    // The object behind a live handle, else null; records nothing.
+    static Object* find(Handle h) { return static_cast<Object*>(registry().find(h)); }
+};
+
+template <class Handle, class NumberType, HandleRegistry& (*Registry)()>
+struct NumberFamily : RegisteredFamily<Handle, NumberType, Registry> {
+    using Number = NumberType;
+    static void clear(NumberType& x) { x.setZero(); }
 };
 template <> struct Family<HI_handle> : NumberFamily<HI_handle, DecimalNumber, decimalRegistry> {};
 template <> struct Family<HX_handle> : NumberFamily<HX_handle, BinaryNumber, binaryRegistry> {};
 
-// The number behind a live handle, or null after recording -4.
+// The object behind a live handle, or null after recording -4.
 template <class Handle>
-typename Family<Handle>::Number* numberOf(Handle h) {
-    return Family<Handle>::registry().contains(h) ? h->number : nullptr;
+typename Family<Handle>::Object* checkedObject(Handle h) {
+    auto* object = Family<Handle>::find(h);
+    if (object == nullptr) setLastError(kErrHandle);
+    return object;
 }
 
-// Keeps retired handle objects reachable (and their addresses taken) for the
-// life of the process; only the pointer-sized shell stays, the number is freed.
-void retireHandleObject(const void* handleObject) noexcept;
+// A new object of the family under a new handle.  When the object cannot be
+// allocated, or no slot can be had, the handle is null and -3 is recorded;
+// such a creation is counted once as the registry's null entry.
+template <class Handle, class Object, class... Args>
+Handle createHandle(Args&&... args) {
+    Object* object = nullptr;
+    try {
+        object = new Object(std::forward<Args>(args)...);
+    } catch (const std::exception&) {
+        setLastError(kErrTooLarge);
+    }
+    void* handle = object != nullptr ? Family<Handle>::registry().insert(object) : nullptr;
+    if (handle == nullptr) {
+        delete object;
+        Family<Handle>::registry().countNullEntry();
+    }
+    return static_cast<Handle>(handle);
+}
+
+// 1 when deleted (its object freed) or null; 0 with -4 for any other value.
+template <class Handle>
+std::uint32_t deleteHandle(Handle h) {
+    if (h == nullptr) return 1;
+    auto* object = static_cast<typename Family<Handle>::Object*>(Family<Handle>::registry().take(h));
+    if (object == nullptr) {
+        setLastError(kErrHandle);
+        return 0;
+    }
+    delete object;
+    return 1;
+}
 
 template <class Handle>
 Handle createNumberHandle() {
-    using Number = typename Family<Handle>::Number;
-    // A handle whose number cannot be allocated is not handed out: the null
-    // handle is registered (and counted) instead, and never passes a check.
-    auto* handle = new (std::nothrow) std::remove_pointer_t<Handle>{nullptr};
-    if (handle != nullptr) {
-        try {
-            handle->number = new Number();
-        } catch (const std::exception&) {
-            delete handle;
-            handle = nullptr;
-            setLastError(kErrTooLarge);
-        }
-    }
-    Family<Handle>::registry().insert(handle);
-    return handle;
-}
-
-template <class Handle>
-std::uint32_t deleteNumberHandle(Handle h) {
-    if (h == nullptr) return 1;
-    if (Family<Handle>::registry().erase(h) == 0) return 0;
-    delete h->number;
-    h->number = nullptr;
-    retireHandleObject(h);
-    return 1;
+    return createHandle<Handle, typename Family<Handle>::Number>();
 }
 
 }  // namespace tw

@@ -48,29 +48,22 @@ RC_handle createConverter(std::uint32_t radix) {
         setLastError(kErrRadix);
         return nullptr;
     }
-    RC_handle h = nullptr;
-    try {
-        h = new RC_converter_{radix, 1, std::make_unique<Digits>()};
-        converterRegistry().insert(h);
-    } catch (const std::exception&) {
-        delete h;
-        setLastError(kErrTooLarge);
-        return nullptr;
+    RC_handle h = createHandle<RC_handle, RadixConverter>();
+    if (RadixConverter* c = Family<RC_handle>::find(h)) {
+        c->radix = radix;
+        c->sign = 1;
+        try {
+            c->digitList = std::make_unique<Digits>();
+        } catch (const std::exception&) {
+            deleteConverter(h);
+            setLastError(kErrTooLarge);
+            return nullptr;
+        }
     }
     return h;
 }
 
-std::uint32_t deleteConverter(RC_handle h) {
-    if (h == nullptr) return 1;
-    if (converterRegistry().erase(h) == 0) return 0;
-    h->digitList.reset();
-    try {
-        retireHandleObject(h);
-    } catch (const std::exception&) {
-        // The shell stays allocated all the same: only its record is lost.
-    }
-    return 1;
-}
+std::uint32_t deleteConverter(RC_handle h) { return deleteHandle(h); }
 
 std::int32_t readSign(RadixConverter& c) {
     if (valueIsZero(*c.digitList)) c.sign = 0;

@@ -27,7 +27,7 @@
 struct RC_converter_ {
     std::uint32_t radix;                                  // 0 stands for 2^32
     std::int32_t sign;                                    // as stored; see readSign
-    std::unique_ptr<std::vector<std::uint32_t>> digitList;  // least significant first; null once deleted
+    std::unique_ptr<std::vector<std::uint32_t>> digitList;  // least significant first
 };
 
 namespace tw {
@@ -40,19 +40,14 @@ void clearConverter(RadixConverter& c);
 
 // Converter handles pass the call frame like number handles; the object
 // behind one is the converter itself.
-template <> struct Family<RC_handle> {
-    using Object = RadixConverter;
-    static HandleRegistry& registry() { return converterRegistry(); }
-    static Object& object(RC_handle h) { return *h; }
-    static void clear(Object& c) { clearConverter(c); }
+template <> struct Family<RC_handle> : RegisteredFamily<RC_handle, RadixConverter, converterRegistry> {
+    static void clear(RadixConverter& c) { clearConverter(c); }
 };
 
 // A new registered converter with an empty vector and sign +1, or null with
 // -7 for radix 1 (and -3 when it cannot be allocated).
 RC_handle createConverter(std::uint32_t radix);
-// 1 when deleted (or null), 0 with -4 for an unknown handle.  The digits are
-// freed at once; the handle object stays allocated so its address is never
-// handed out again.
+// 1 when deleted, its converter freed (or null), 0 with -4 for an unknown handle.
 std::uint32_t deleteConverter(RC_handle h);
 
 // The sign normalised: 0 (and stored as 0) when the value is zero.

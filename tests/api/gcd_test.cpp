@@ -25,7 +25,7 @@ TYPED_TEST_SUITE(Gcd, BothFamilies);
 template <class F>
 using H = typename F::Handle;
 template <class F>
-Mpz valueOf(H<F> h) { return numberValue(*h->number); }
+Mpz valueOf(H<F> h) { return numberValue(*tw::Family<H<F>>::find(h)); }
 
 // a x + b y = g = gcd(a, b), |x| <= max(1, |b|/g), |y| <= |a|/g + 1.
 ::testing::AssertionResult bezout(const Mpz& a, const Mpz& b, const Mpz& g, const Mpz& x, const Mpz& y) {

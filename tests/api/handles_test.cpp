@@ -29,6 +29,8 @@ TYPED_TEST(Handles, TableCountsAndNeverReusesAHandle) {
     EXPECT_EQ(F::getBits(h[0]), 0u);
     for (auto& x : h) EXPECT_EQ(F::deleteNumber(x), 1u);
     EXPECT_EQ(F::getCount(), before);
+    // Slots are reused under new generations: a handle value is not handed
+    // out again, and a stale one keeps failing, also millions of turns later.
     std::set<const void*> seen;
     for (int i = 0; i < 200; ++i) {
         auto x = F::newNumber();
@@ -36,6 +38,10 @@ TYPED_TEST(Handles, TableCountsAndNeverReusesAHandle) {
         F::set_u64(x, ~0ull);
         F::deleteNumber(x);
     }
+    for (int i = 0; i < 2000000; ++i) F::deleteNumber(F::newNumber());
+    for (const void* old : seen) ASSERT_EQ(F::isZero(static_cast<typename F::Handle>(const_cast<void*>(old))), 1u);
+    EXPECT_EQ(takeError(), TW_ERR_HANDLE);
+    EXPECT_EQ(F::getCount(), before);
     // Deleting null succeeds quietly; deleting twice or a stranger fails with -4.
     EXPECT_EQ(F::deleteNumber(nullptr), 1u);
     EXPECT_EQ(takeError(), 0);

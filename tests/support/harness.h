@@ -485,7 +485,7 @@ public:
     ~Number() { F::deleteNumber(h_); }
     typename F::Handle h() const { return h_; }
     operator typename F::Handle() const { return h_; }
-    auto& object() const { return *h_->number; }
+    auto& object() const { return *tw::Family<typename F::Handle>::find(h_); }
     Mpz value() const { return numberValue(object()); }
     void set(mpz_srcptr v) { setNumber(object(), v); }
     bool normal() const { return abnormality(object()).empty(); }
