@@ -165,4 +165,10 @@ namespace tw::numtheory {
 // rule for the switch, not a measured crossover.
 inline constexpr std::int64_t kSubquadraticGcdDigits = 65536;
 
+// ---- modular powers ----
+
+// Odd binary moduli of up to this many bits run their powers on 64-bit words
+// (montgomery_words.h) instead of 28-bit limbs.
+inline constexpr std::size_t kWordMontgomeryMaxBits = 8192;
+
 }  // namespace tw::numtheory

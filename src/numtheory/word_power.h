@@ -1,0 +1,84 @@
+// Modular powers of binary numbers for odd moduli on machine words: the
+// modulus and the base are regrouped from 28-bit limbs into the words of a
+// ring (64-bit words here, 52-bit lanes for the multiply-add kernel), the
+// base enters the Montgomery form x R mod m by one division, the power runs
+// on the ring, and the result leaves by one product with 1.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "arith/numbers/shifts.h"
+#include "arith/numbers/signed_div.h"
+#include "frame/signed_number.h"
+#include "numtheory/gcd.h"
+#include "numtheory/montgomery_words.h"
+#include "numtheory/ring_power.h"
+#include "numtheory/word_regroup.h"
+
+namespace tw::numtheory {
+
+// The residues modulo an odd m in Montgomery form on n 64-bit words,
+// R = 2^(64 n).
+class WordMontgomeryRing {
+public:
+    using Word = std::uint64_t;
+    static constexpr unsigned kWordBits = 64;
+
+    WordMontgomeryRing(const Limb* m, std::size_t limbs)
+        : n_((limbs * BinaryRadix::bitsPerLimb + 63) / 64), m_(n_), q_(n_) {
+        regroupWords(m_.data(), n_, 64, m, limbs, BinaryRadix::bitsPerLimb);
+        while (m_[n_ - 1] == 0) --n_;  // the words the modulus needs
+        minv_ = negativeInverseMod64(m_[0]);
+    }
+    std::size_t size() const { return n_; }
+    std::uint32_t montgomeryBits() const { return std::uint32_t(64 * n_); }
+    void mul(Word* out, const Word* a, const Word* b) {
+        if (a == b) montgomerySqrWords(out, a, m_.data(), n_, minv_, q_.data());
+        else montgomeryMulWords(out, a, b, m_.data(), n_, minv_, q_.data());
+    }
+    void sqr(Word* out, const Word* a) { montgomerySqrWords(out, a, m_.data(), n_, minv_, q_.data()); }
+    // out := x / R mod m, fully reduced.
+    void leave(Word* out, const Word* x) {
+        std::vector<Word> one(n_, 0);
+        one[0] = 1;
+        montgomeryMulWords(out, x, one.data(), m_.data(), n_, minv_, q_.data());
+    }
+
+private:
+    std::size_t n_;
+    std::vector<Word> m_, q_;
+    Word minv_ = 0;
+};
+
+// res := |base|^e mod m for an odd binary m > 1 and non-zero e (28-bit
+// chunks) on the words of Ring.  False, res untouched, when the terminate
+// flag stopped it.
+template <class Ring>
+bool powModOddOnWords(BinaryNumber& res, const NumberRecord& base, const std::vector<std::uint32_t>& e,
+                      const NumberRecord& m) {
+    using Word = typename Ring::Word;
+    const std::size_t limbs = m.topIndex + 1;
+    Ring ring(m.digits, limbs);
+    BinaryNumber x, mod;
+    x.rec() = base, x.sign = 1, x.normalizeSign();
+    mod.rec() = m, mod.sign = 1;
+    arith::bitShiftLeft(x, ring.montgomeryBits());
+    arith::remainder(x, x, mod);
+    if (x.isZero()) {
+        res.setZero();
+        return true;
+    }
+    const std::size_t n = ring.size();
+    std::vector<Word> b(n), acc(n);
+    regroupWords(b.data(), n, Ring::kWordBits, x.limbs(), x.rec().topIndex + 1, BinaryRadix::bitsPerLimb);
+    if (!ringPower(ring, acc.data(), b.data(), e)) return false;
+    ring.leave(b.data(), acc.data());
+    std::vector<Limb> out(limbs);
+    regroupWords(out.data(), limbs, BinaryRadix::bitsPerLimb, b.data(), n, Ring::kWordBits);
+    setMagnitudeFromLimbs(res, out.data(), limbs, 0);
+    return true;
+}
+
+}  // namespace tw::numtheory
