@@ -20,6 +20,7 @@
 #include "arith/numbers/shifts.h"
 #include "arith/convert/digit_conversion.h"
 #include "arith/tuning.h"
+#include "frame/kernel_paths.h"
 #include "frame/machine_int.h"
 #include "frame/signed_number.h"
 #include "numtheory/gcd.h"
@@ -100,8 +101,15 @@ void powModMagnitude(SignedNumber<R>& res, const NumberRecord& base, const Numbe
     }
     if constexpr (R::isBinary) {
         if ((m.digits[0] & 1) == 0) return powModEvenBinary(res, base, e, m);
-        if (n * R::bitsPerLimb <= kWordMontgomeryMaxBits) {
-            if (!powModOddOnWords<WordMontgomeryRing>(res, base, bitChunks<R>(e), m)) res.setZero();
+        const std::size_t bits = R::bitsPerLimb * (n - 1) + bitLength32(m.digits[n - 1]);
+        if (bits <= kWordMontgomeryMaxBits) {
+            const KernelChoice choice = kernelChoice();
+            const bool lanes = choice.path == KernelPath::Ifma && IfmaMontgomeryRing::takes(bits) &&
+                               (choice.forced || bits >= kIfmaMontgomeryMinBits);
+            const std::vector<std::uint32_t> chunks = bitChunks<R>(e);
+            if (!(lanes ? powModOddOnWords<IfmaMontgomeryRing>(res, base, chunks, m)
+                        : powModOddOnWords<WordMontgomeryRing>(res, base, chunks, m)))
+                res.setZero();
             return;
         }
     } else {

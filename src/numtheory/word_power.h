@@ -13,6 +13,7 @@
 #include "arith/numbers/signed_div.h"
 #include "frame/signed_number.h"
 #include "numtheory/gcd.h"
+#include "numtheory/montgomery_ifma.h"
 #include "numtheory/montgomery_words.h"
 #include "numtheory/ring_power.h"
 #include "numtheory/word_regroup.h"
@@ -50,6 +51,53 @@ private:
     std::size_t n_;
     std::vector<Word> m_, q_;
     Word minv_ = 0;
+};
+
+// The residues modulo an odd m in almost-Montgomery form on 52-bit lanes
+// (montgomery_ifma.h): n limbs with 4m < R = 2^(52 n), elements below 2m,
+// padded to whole vectors.
+class IfmaMontgomeryRing {
+public:
+    using Word = std::uint64_t;
+    static constexpr unsigned kWordBits = 52;
+
+    // Whether the kernel takes an odd modulus of `bits` bits.
+    static bool takes(std::size_t bits) { return limbsFor(bits) <= kIfmaMaxLimbs; }
+
+    IfmaMontgomeryRing(const Limb* m, std::size_t limbs) {
+        std::size_t bits = BinaryRadix::bitsPerLimb * (limbs - 1) + bitLength32(m[limbs - 1]);
+        n_ = limbsFor(bits);
+        m_.assign(ifmaLanes(n_), 0);
+        regroupWords(m_.data(), n_, 52, m, limbs, BinaryRadix::bitsPerLimb);
+        k0_ = negativeInverseMod64(m_[0]) & ((std::uint64_t(1) << 52) - 1);
+    }
+    std::size_t size() const { return m_.size(); }
+    std::uint32_t montgomeryBits() const { return std::uint32_t(52 * n_); }
+    void mul(Word* out, const Word* a, const Word* b) { montgomeryMulIfma(out, a, b, m_.data(), n_, k0_); }
+    void sqr(Word* out, const Word* a) { montgomeryMulIfma(out, a, a, m_.data(), n_, k0_); }
+    // out := x / R mod m, fully reduced: below m + 1, so m at most once too many.
+    void leave(Word* out, const Word* x) {
+        std::vector<Word> one(m_.size(), 0);
+        one[0] = 1;
+        montgomeryMulIfma(out, x, one.data(), m_.data(), n_, k0_);
+        std::size_t i = n_;
+        while (i-- > 0 && out[i] == m_[i]) {
+        }
+        if (i != std::size_t(-1) && out[i] < m_[i]) return;
+        std::uint64_t borrow = 0;
+        for (std::size_t j = 0; j < n_; ++j) {
+            const std::uint64_t d = out[j] - m_[j] - borrow;
+            borrow = d >> 63;
+            out[j] = d & ((std::uint64_t(1) << 52) - 1);
+        }
+    }
+
+private:
+    // Limbs of 52 bits with room for 4m.
+    static std::size_t limbsFor(std::size_t bits) { return (bits + 2 + 51) / 52; }
+    std::size_t n_;
+    std::vector<Word> m_;
+    Word k0_ = 0;
 };
 
 // res := |base|^e mod m for an odd binary m > 1 and non-zero e (28-bit
