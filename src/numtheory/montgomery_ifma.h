@@ -19,8 +19,8 @@ constexpr std::size_t ifmaLanes(std::size_t n) { return (n + 7) / 8 * 8; }
 
 // out := a b / R mod m, almost: for a, b < 2m and 4m < R the result is below
 // 2m, every lane below 2^52.  n <= kIfmaMaxLimbs limbs, k0 = -1 / m mod 2^52;
-// a, b, m and out hold ifmaLanes(n) lanes, zero above limb n.  out may be a
-// or b.
+// a, b, m and out hold ifmaLanes(n) lanes, zero above limb n, and m has eight
+// zero lanes on either side as well.  out may be a or b.
 void montgomeryMulIfma(std::uint64_t* out, const std::uint64_t* a, const std::uint64_t* b, const std::uint64_t* m,
                        std::size_t n, std::uint64_t k0);
 

@@ -11,6 +11,9 @@
 // 2^128 and a carry below 2n 2^64, so the third word stays below 2n + 1.
 #include "numtheory/montgomery_words.h"
 
+#include <array>
+#include <utility>
+
 #include "frame/radix.h"
 
 namespace tw::numtheory {
@@ -60,15 +63,9 @@ inline void lowReduction(Column& c, std::size_t k, const u64* m, u64 minv, u64* 
     c.shift();
 }
 
-}  // namespace
-
-u64 negativeInverseMod64(u64 m0) {
-    u64 x = m0;  // correct to 3 bits: m0 m0 = 1 mod 8 for odd m0
-    for (int i = 0; i < 5; ++i) x *= 2 - m0 * x;  // Newton: doubles the correct bits
-    return ~x + 1;
-}
-
-void montgomeryMulWords(u64* out, const u64* a, const u64* b, const u64* m, std::size_t n, u64 minv, u64* q) {
+template <std::size_t Fixed>
+void mulColumns(u64* out, const u64* a, const u64* b, const u64* m, std::size_t length, u64 minv, u64* q) {
+    const std::size_t n = Fixed ? Fixed : length;
     Column c;
     for (std::size_t k = 0; k < n; ++k) {
         for (std::size_t j = 0; j <= k; ++j) c.mac(a[j], b[k - j]);
@@ -87,7 +84,9 @@ void montgomeryMulWords(u64* out, const u64* a, const u64* b, const u64* m, std:
 
 // The cross products a_j a_(k-j), j < k - j, of column k gather apart and
 // join doubled, then the square a_(k/2)^2 of an even column.
-void montgomerySqrWords(u64* out, const u64* a, const u64* m, std::size_t n, u64 minv, u64* q) {
+template <std::size_t Fixed>
+void sqrColumns(u64* out, const u64* a, const u64* m, std::size_t length, u64 minv, u64* q) {
+    const std::size_t n = Fixed ? Fixed : length;
     Column c;
     const auto squareColumn = [&](std::size_t k, std::size_t from) {
         Column cross;
@@ -109,5 +108,38 @@ void montgomerySqrWords(u64* out, const u64* a, const u64* m, std::size_t n, u64
     out[n - 1] = c.shift();
     subtractModulusIfAbove(out, m, n, u64(c.low));
 }
+
+// Lengths up to kFixedWords get a copy each whose loops the compiler unrolls
+// completely: no loop control, and the products of a column scheduled
+// together.
+constexpr std::size_t kFixedWords = 16;
+
+template <std::size_t... N>
+constexpr auto mulTable(std::index_sequence<N...>) {
+    return std::array{&mulColumns<N>...};
+}
+template <std::size_t... N>
+constexpr auto sqrTable(std::index_sequence<N...>) {
+    return std::array{&sqrColumns<N>...};
+}
+constexpr auto kMulByLength = mulTable(std::make_index_sequence<kFixedWords + 1>());
+constexpr auto kSqrByLength = sqrTable(std::make_index_sequence<kFixedWords + 1>());
+
+}  // namespace
+
+void montgomeryMulWords(u64* out, const u64* a, const u64* b, const u64* m, std::size_t n, u64 minv, u64* q) {
+    kMulByLength[n <= kFixedWords ? n : 0](out, a, b, m, n, minv, q);
+}
+
+void montgomerySqrWords(u64* out, const u64* a, const u64* m, std::size_t n, u64 minv, u64* q) {
+    kSqrByLength[n <= kFixedWords ? n : 0](out, a, m, n, minv, q);
+}
+
+u64 negativeInverseMod64(u64 m0) {
+    u64 x = m0;  // correct to 3 bits: m0 m0 = 1 mod 8 for odd m0
+    for (int i = 0; i < 5; ++i) x *= 2 - m0 * x;  // Newton: doubles the correct bits
+    return ~x + 1;
+}
+
 
 }  // namespace tw::numtheory

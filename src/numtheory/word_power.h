@@ -67,19 +67,23 @@ public:
     IfmaMontgomeryRing(const Limb* m, std::size_t limbs) {
         std::size_t bits = BinaryRadix::bitsPerLimb * (limbs - 1) + bitLength32(m[limbs - 1]);
         n_ = limbsFor(bits);
-        m_.assign(ifmaLanes(n_), 0);
-        regroupWords(m_.data(), n_, 52, m, limbs, BinaryRadix::bitsPerLimb);
+        lanes_ = ifmaLanes(n_);
+        padded_.assign(lanes_ + 16, 0);
+        m_ = padded_.data() + 8;
+        regroupWords(m_, n_, 52, m, limbs, BinaryRadix::bitsPerLimb);
         k0_ = negativeInverseMod64(m_[0]) & ((std::uint64_t(1) << 52) - 1);
     }
-    std::size_t size() const { return m_.size(); }
+    IfmaMontgomeryRing(const IfmaMontgomeryRing&) = delete;
+    IfmaMontgomeryRing& operator=(const IfmaMontgomeryRing&) = delete;
+    std::size_t size() const { return lanes_; }
     std::uint32_t montgomeryBits() const { return std::uint32_t(52 * n_); }
-    void mul(Word* out, const Word* a, const Word* b) { montgomeryMulIfma(out, a, b, m_.data(), n_, k0_); }
-    void sqr(Word* out, const Word* a) { montgomeryMulIfma(out, a, a, m_.data(), n_, k0_); }
+    void mul(Word* out, const Word* a, const Word* b) { montgomeryMulIfma(out, a, b, m_, n_, k0_); }
+    void sqr(Word* out, const Word* a) { montgomeryMulIfma(out, a, a, m_, n_, k0_); }
     // out := x / R mod m, fully reduced: below m + 1, so m at most once too many.
     void leave(Word* out, const Word* x) {
-        std::vector<Word> one(m_.size(), 0);
+        std::vector<Word> one(lanes_, 0);
         one[0] = 1;
-        montgomeryMulIfma(out, x, one.data(), m_.data(), n_, k0_);
+        montgomeryMulIfma(out, x, one.data(), m_, n_, k0_);
         std::size_t i = n_;
         while (i-- > 0 && out[i] == m_[i]) {
         }
@@ -95,8 +99,9 @@ public:
 private:
     // Limbs of 52 bits with room for 4m.
     static std::size_t limbsFor(std::size_t bits) { return (bits + 2 + 51) / 52; }
-    std::size_t n_;
-    std::vector<Word> m_;
+    std::size_t n_, lanes_;
+    std::vector<Word> padded_;  // m between eight zero lanes on either side
+    Word* m_;
     Word k0_ = 0;
 };
 
