@@ -18,82 +18,18 @@
 #include "arith/numbers/signed_div.h"
 #include "arith/numbers/signed_mul.h"
 #include "arith/numbers/shifts.h"
+#include "arith/convert/digit_conversion.h"
+#include "arith/tuning.h"
+#include "frame/kernel_paths.h"
 #include "frame/machine_int.h"
 #include "frame/signed_number.h"
 #include "numtheory/gcd.h"
 #include "numtheory/montgomery.h"
+#include "numtheory/ring_power.h"
 #include "numtheory/word_modular.h"
+#include "numtheory/word_power.h"
 
 namespace tw::numtheory {
-
-inline constexpr unsigned kChunkBits = 28;
-
-// |e| in chunks of 28 bits, lowest first (none for zero): the limbs
-// themselves in radix 2^28, repeated division by 2^28 in radix 10^9.
-template <class R>
-std::vector<std::uint32_t> bitChunks(const NumberRecord& e) {
-    std::size_t n = e.isZero() ? 0 : e.topIndex + 1;
-    if constexpr (R::isBinary) {
-        return std::vector<std::uint32_t>(e.digits, e.digits + n);
-    } else {
-        std::vector<Limb> a(e.digits, e.digits + n), q(n);
-        std::vector<std::uint32_t> out;
-        while (n > 0 && !terminateRequested()) {
-            out.push_back(arith::divideByLimb<R>(q.data(), a.data(), n, 1u << kChunkBits));
-            std::swap(a, q);
-            while (n > 0 && a[n - 1] == 0) --n;
-        }
-        return out;
-    }
-}
-
-// The window width for an exponent of `bits` bits: the k that minimises
-// about 2^(k-1) table products + bits / (k + 1) window products.
-inline unsigned windowWidth(std::size_t bits) {
-    static constexpr std::size_t kUpTo[] = {8, 24, 80, 240, 672, 1792};
-    unsigned k = 1;
-    while (k <= 6 && bits > kUpTo[k - 1]) ++k;
-    return k;
-}
-
-// acc := base^e in the ring's form for non-zero chunks e, left to right with
-// sliding windows over a table of the odd powers base^1, base^3, ...
-// False when the terminate flag stopped it.
-template <class Ring>
-bool ringPower(Ring& ring, Limb* acc, const Limb* base, const std::vector<std::uint32_t>& e) {
-    const std::size_t n = ring.size();
-    const std::size_t bits = kChunkBits * (e.size() - 1) + bitLength32(e.back());
-    const unsigned w = windowWidth(bits);
-    std::vector<Limb> table(n << (w - 1)), square(n);
-    std::copy(base, base + n, table.begin());
-    if (w > 1) ring.sqr(square.data(), base);
-    for (std::size_t k = 1; k < (std::size_t(1) << (w - 1)); ++k)
-        ring.mul(&table[k * n], &table[(k - 1) * n], square.data());
-    const auto bit = [&e](std::ptrdiff_t i) { return (e[i / kChunkBits] >> (i % kChunkBits)) & 1u; };
-    bool first = true;
-    for (std::ptrdiff_t i = std::ptrdiff_t(bits) - 1; i >= 0;) {
-        if (terminateRequested()) return false;
-        if (!bit(i)) {
-            ring.sqr(acc, acc);
-            --i;
-            continue;
-        }
-        std::ptrdiff_t j = std::max<std::ptrdiff_t>(i - w + 1, 0);
-        while (!bit(j)) ++j;  // the window ends on a one
-        std::uint32_t v = 0;
-        for (std::ptrdiff_t k = i; k >= j; --k) v = 2 * v + bit(k);
-        const Limb* odd = &table[(v >> 1) * n];
-        if (first) {
-            std::copy(odd, odd + n, acc);
-            first = false;
-        } else {
-            for (std::ptrdiff_t k = i; k >= j; --k) ring.sqr(acc, acc);
-            ring.mul(acc, acc, odd);
-        }
-        i = j - 1;
-    }
-    return true;
-}
 
 template <class R>
 void powModMagnitude(SignedNumber<R>& res, const NumberRecord& base, const NumberRecord& e, const NumberRecord& m);
@@ -131,6 +67,26 @@ void powModEvenBinary(SignedNumber<R>& res, const NumberRecord& base, const Numb
     res.swap(x2);
 }
 
+// res := |base|^|e| mod |m| for decimal numbers by way of binary ones: the
+// conversions cost far less than the power, and the binary radix has
+// Montgomery reduction on words for every odd modulus and the split of the
+// even ones, where the decimal radix would divide for moduli with a factor
+// 2 or 5.
+inline void powModThroughBinary(DecimalNumber& res, const NumberRecord& base, const NumberRecord& e,
+                                const NumberRecord& m) {
+    BinaryNumber b, x, mod, out;
+    const auto toBinary = [](BinaryNumber& to, const NumberRecord& from) {
+        setFromDigits<BinaryRadix>(to.rec(), DecimalRadix::base, from.digits, from.topIndex + 1);
+        to.sign = 1;
+        to.normalizeSign();
+    };
+    toBinary(b, base), toBinary(x, e), toBinary(mod, m);
+    powModMagnitude(out, b.rec(), x.rec(), mod.rec());
+    setFromDigits<DecimalRadix>(res.rec(), BinaryRadix::base, out.limbs(), out.rec().topIndex + 1);
+    res.sign = 1;
+    res.normalizeSign();
+}
+
 // res := |base|^|e| mod |m| (>= 0) for a non-zero m; |b|^0 = 1 mod |m|.
 template <class R>
 void powModMagnitude(SignedNumber<R>& res, const NumberRecord& base, const NumberRecord& e, const NumberRecord& m) {
@@ -145,6 +101,19 @@ void powModMagnitude(SignedNumber<R>& res, const NumberRecord& base, const Numbe
     }
     if constexpr (R::isBinary) {
         if ((m.digits[0] & 1) == 0) return powModEvenBinary(res, base, e, m);
+        const std::size_t bits = R::bitsPerLimb * (n - 1) + bitLength32(m.digits[n - 1]);
+        if (bits <= kWordMontgomeryMaxBits) {
+            const KernelChoice choice = kernelChoice();
+            const bool lanes = choice.path == KernelPath::Ifma && IfmaMontgomeryRing::takes(bits) &&
+                               (choice.forced || bits >= kIfmaMontgomeryMinBits);
+            const std::vector<std::uint32_t> chunks = bitChunks<R>(e);
+            if (!(lanes ? powModOddOnWords<IfmaMontgomeryRing>(res, base, chunks, m)
+                        : powModOddOnWords<WordMontgomeryRing>(res, base, chunks, m)))
+                res.setZero();
+            return;
+        }
+    } else {
+        return powModThroughBinary(res, base, e, m);
     }
     ModRing<R> ring(m.digits, n);
     std::vector<Limb> b(n), acc(n), out(n);

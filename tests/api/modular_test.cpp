@@ -92,6 +92,32 @@ TYPED_TEST(Modular, LargeOperandsAndAliasedExponent) {
         }
 }
 
+// Moduli at the edges of the word kernels' lengths (64-bit words, 52-bit
+// lanes in whole vectors of eight, up to kWordMontgomeryMaxBits) on every
+// path: any pinned path runs the 64-bit words, Ifma the lanes, the library's
+// own choice either; odd, even and 2^k - 1 moduli, negative bases.
+TYPED_TEST(Modular, PowersOnEveryKernelPath) {
+    using F = TypeParam;
+    using R = typename F::Radix;
+    Gen gen(94);
+    std::vector<PathCase> paths = kernelPaths();
+    if (tw::processorRuns(tw::KernelPath::Ifma)) paths.push_back({"ifma", true, tw::KernelPath::Ifma});
+    for (const PathCase& path : paths) {
+        const Pinned pinned(path);
+        for (const std::size_t bits : {3, 50, 51, 64, 65, 414, 415, 1040, 4000, 8192, 8193})
+            for (int kind = 0; kind < 3; ++kind) {  // m odd, even, 2^bits - 1
+                const std::size_t n = bits / 28 + 2;
+                Mpz vm = value<R>(gen.mixed<R>(n)), vb = value<R>(gen.mixed<R>(n + kind)), ve = value<R>(gen.limbs<R>(bits > 1100 ? 2 : n)), want;
+                mpz_tdiv_r_2exp(vm, vm, bits), mpz_setbit(vm, bits - 1), mpz_setbit(vm, 0);
+                if (kind == 1) mpz_mul_2exp(vm, vm, 1 + bits % 5), mpz_neg(vb, vb);
+                if (kind == 2) mpz_set_ui(vm, 0), mpz_setbit(vm, bits), mpz_sub_ui(vm, vm, 1), mpz_sub_ui(vb, vm, 1);
+                Number<F> r, b, e, m;
+                b.set(vb), e.set(ve), m.set(vm), powModWant(want, vb, ve, vm);
+                EXPECT_TRUE(Ops<F>::powMod(r, b, e, m) == r.h() && holds(r, want)) << path.name << " " << bits << " " << kind;
+            }
+    }
+}
+
 TYPED_TEST(Modular, WordFormsAndModPowTen) {
     using F = TypeParam;
     using R = typename F::Radix;

@@ -1,0 +1,27 @@
+// Montgomery products on 52-bit lanes by the AVX-512 multiply-add of 52-bit
+// operands (vpmadd52luq / vpmadd52huq): numbers are padded to whole vectors
+// of eight lanes, each lane one limb of radix 2^52, lowest first, with
+// R = 2^(52 n) for the n limbs the modulus is given.  The caller checks
+// processorRuns(KernelPath::Ifma) first.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace tw::numtheory {
+
+// Most limbs of 52 bits the kernel takes (its accumulator lives in
+// registers): 20 vectors.
+inline constexpr std::size_t kIfmaMaxLimbs = 160;
+
+// Lanes of a number of n limbs: whole vectors.
+constexpr std::size_t ifmaLanes(std::size_t n) { return (n + 7) / 8 * 8; }
+
+// out := a b / R mod m, almost: for a, b < 2m and 4m < R the result is below
+// 2m, every lane below 2^52.  n <= kIfmaMaxLimbs limbs, k0 = -1 / m mod 2^52;
+// a, b, m and out hold ifmaLanes(n) lanes, zero above limb n, and m has eight
+// zero lanes on either side as well.  out may be a or b.
+void montgomeryMulIfma(std::uint64_t* out, const std::uint64_t* a, const std::uint64_t* b, const std::uint64_t* m,
+                       std::size_t n, std::uint64_t k0);
+
+}  // namespace tw::numtheory

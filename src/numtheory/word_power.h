@@ -1,0 +1,137 @@
+// Modular powers of binary numbers for odd moduli on machine words: the
+// modulus and the base are regrouped from 28-bit limbs into the words of a
+// ring (64-bit words here, 52-bit lanes for the multiply-add kernel), the
+// base enters the Montgomery form x R mod m by one division, the power runs
+// on the ring, and the result leaves by one product with 1.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "arith/numbers/shifts.h"
+#include "arith/numbers/signed_div.h"
+#include "frame/signed_number.h"
+#include "numtheory/gcd.h"
+#include "numtheory/montgomery_ifma.h"
+#include "numtheory/montgomery_words.h"
+#include "numtheory/ring_power.h"
+#include "numtheory/word_regroup.h"
+
+namespace tw::numtheory {
+
+// The residues modulo an odd m in Montgomery form on n 64-bit words,
+// R = 2^(64 n).
+class WordMontgomeryRing {
+public:
+    using Word = std::uint64_t;
+    static constexpr unsigned kWordBits = 64;
+
+    WordMontgomeryRing(const Limb* m, std::size_t limbs)
+        : n_((limbs * BinaryRadix::bitsPerLimb + 63) / 64), m_(n_), q_(n_) {
+        regroupWords(m_.data(), n_, 64, m, limbs, BinaryRadix::bitsPerLimb);
+        while (m_[n_ - 1] == 0) --n_;  // the words the modulus needs
+        minv_ = negativeInverseMod64(m_[0]);
+    }
+    std::size_t size() const { return n_; }
+    std::uint32_t montgomeryBits() const { return std::uint32_t(64 * n_); }
+    void mul(Word* out, const Word* a, const Word* b) {
+        if (a == b) montgomerySqrWords(out, a, m_.data(), n_, minv_, q_.data());
+        else montgomeryMulWords(out, a, b, m_.data(), n_, minv_, q_.data());
+    }
+    void sqr(Word* out, const Word* a) { montgomerySqrWords(out, a, m_.data(), n_, minv_, q_.data()); }
+    // out := x / R mod m, fully reduced.
+    void leave(Word* out, const Word* x) {
+        std::vector<Word> one(n_, 0);
+        one[0] = 1;
+        montgomeryMulWords(out, x, one.data(), m_.data(), n_, minv_, q_.data());
+    }
+
+private:
+    std::size_t n_;
+    std::vector<Word> m_, q_;
+    Word minv_ = 0;
+};
+
+// The residues modulo an odd m in almost-Montgomery form on 52-bit lanes
+// (montgomery_ifma.h): n limbs with 4m < R = 2^(52 n), elements below 2m,
+// padded to whole vectors.
+class IfmaMontgomeryRing {
+public:
+    using Word = std::uint64_t;
+    static constexpr unsigned kWordBits = 52;
+
+    // Whether the kernel takes an odd modulus of `bits` bits.
+    static bool takes(std::size_t bits) { return limbsFor(bits) <= kIfmaMaxLimbs; }
+
+    IfmaMontgomeryRing(const Limb* m, std::size_t limbs) {
+        std::size_t bits = BinaryRadix::bitsPerLimb * (limbs - 1) + bitLength32(m[limbs - 1]);
+        n_ = limbsFor(bits);
+        lanes_ = ifmaLanes(n_);
+        padded_.assign(lanes_ + 16, 0);
+        m_ = padded_.data() + 8;
+        regroupWords(m_, n_, 52, m, limbs, BinaryRadix::bitsPerLimb);
+        k0_ = negativeInverseMod64(m_[0]) & ((std::uint64_t(1) << 52) - 1);
+    }
+    IfmaMontgomeryRing(const IfmaMontgomeryRing&) = delete;
+    IfmaMontgomeryRing& operator=(const IfmaMontgomeryRing&) = delete;
+    std::size_t size() const { return lanes_; }
+    std::uint32_t montgomeryBits() const { return std::uint32_t(52 * n_); }
+    void mul(Word* out, const Word* a, const Word* b) { montgomeryMulIfma(out, a, b, m_, n_, k0_); }
+    void sqr(Word* out, const Word* a) { montgomeryMulIfma(out, a, a, m_, n_, k0_); }
+    // out := x / R mod m, fully reduced: below m + 1, so m at most once too many.
+    void leave(Word* out, const Word* x) {
+        std::vector<Word> one(lanes_, 0);
+        one[0] = 1;
+        montgomeryMulIfma(out, x, one.data(), m_, n_, k0_);
+        std::size_t i = n_;
+        while (i-- > 0 && out[i] == m_[i]) {
+        }
+        if (i != std::size_t(-1) && out[i] < m_[i]) return;
+        std::uint64_t borrow = 0;
+        for (std::size_t j = 0; j < n_; ++j) {
+            const std::uint64_t d = out[j] - m_[j] - borrow;
+            borrow = d >> 63;
+            out[j] = d & ((std::uint64_t(1) << 52) - 1);
+        }
+    }
+
+private:
+    // Limbs of 52 bits with room for 4m.
+    static std::size_t limbsFor(std::size_t bits) { return (bits + 2 + 51) / 52; }
+    std::size_t n_, lanes_;
+    std::vector<Word> padded_;  // m between eight zero lanes on either side
+    Word* m_;
+    Word k0_ = 0;
+};
+
+// res := |base|^e mod m for an odd binary m > 1 and non-zero e (28-bit
+// chunks) on the words of Ring.  False, res untouched, when the terminate
+// flag stopped it.
+template <class Ring>
+bool powModOddOnWords(BinaryNumber& res, const NumberRecord& base, const std::vector<std::uint32_t>& e,
+                      const NumberRecord& m) {
+    using Word = typename Ring::Word;
+    const std::size_t limbs = m.topIndex + 1;
+    Ring ring(m.digits, limbs);
+    BinaryNumber x, mod;
+    x.rec() = base, x.sign = 1, x.normalizeSign();
+    mod.rec() = m, mod.sign = 1;
+    arith::bitShiftLeft(x, ring.montgomeryBits());
+    arith::remainder(x, x, mod);
+    if (x.isZero()) {
+        res.setZero();
+        return true;
+    }
+    const std::size_t n = ring.size();
+    std::vector<Word> b(n), acc(n);
+    regroupWords(b.data(), n, Ring::kWordBits, x.limbs(), x.rec().topIndex + 1, BinaryRadix::bitsPerLimb);
+    if (!ringPower(ring, acc.data(), b.data(), e)) return false;
+    ring.leave(b.data(), acc.data());
+    std::vector<Limb> out(limbs);
+    regroupWords(out.data(), limbs, BinaryRadix::bitsPerLimb, b.data(), n, Ring::kWordBits);
+    setMagnitudeFromLimbs(res, out.data(), limbs, 0);
+    return true;
+}
+
+}  // namespace tw::numtheory
