@@ -165,4 +165,13 @@ namespace tw::numtheory {
 // rule for the switch, not a measured crossover.
 inline constexpr std::int64_t kSubquadraticGcdDigits = 65536;
 
+// Products of 64-bit words whose shorter operand has at most this many words
+// go by rows of word products; longer ones are repacked into 28-bit limbs for
+// the ladder.
+inline constexpr std::size_t kWordProductRowsMax = 8;
+
+// Half-GCDs of numbers shorter than this many words take single Lehmer
+// steps only; from here on they recurse on the top half first.
+inline constexpr std::size_t kHalfGcdMinWords = 100;
+
 }  // namespace tw::numtheory
