@@ -251,10 +251,9 @@ const Case kCases[] = {
     {"HI_getStrRadixA 36", 1000000, radix36Text},
     {"HX_set_hi (dec->bin)", 10000000, convertBetweenTypes<true>},
     {"HI_set_hx (bin->dec)", 10000000, convertBetweenTypes<false>},
-    // Lehmer's algorithm alone for now: quadratic, so not past 10^5 digits.
-    {"HI_gcd", 100000, gcdDecimal},
-    {"HX_gcd", 100000, gcdBinary},
-    {"HI_gcdEx", 100000, gcdExDecimal},
+    {"HI_gcd", 1000000, gcdDecimal},
+    {"HX_gcd", 1000000, gcdBinary},
+    {"HI_gcdEx", 1000000, gcdExDecimal},
     {"HI_rootRem n=2", 1000000, rootDecimal<2>},
     {"HI_rootRem n=3", 100000, rootDecimal<3>},
 };

@@ -1,6 +1,6 @@
 // Greatest common divisors of numbers: GCD, LCM and the extended GCD of two
 // numbers, and the GCD and LCM of lists.  Signs, aliasing and storage are
-// settled here; the Euclidean run itself is gcd_kernels.h.  Results are
+// settled here; the Euclidean run itself is word_euclid.h, on 64-bit words.  Results are
 // built apart and moved in, so any handle may be any operand.  A raised
 // terminate flag makes the results zero.
 #pragma once
@@ -18,7 +18,7 @@
 #include "frame/compare.h"
 #include "frame/machine_int.h"
 #include "frame/signed_number.h"
-#include "numtheory/gcd_kernels.h"
+#include "numtheory/half_gcd.h"
 
 namespace tw::numtheory {
 
@@ -49,34 +49,57 @@ void setMagnitudeFromLimbs(SignedNumber<R>& x, const Limb* p, std::size_t n, std
     x.normalizeSign();
 }
 
-// g := gcd(|a|, |b|) for non-zero a and b, and with x non-null the cofactor
-// x of |a| with |a| x = g (mod |b|), |x| <= |b| / g.  g and x are fresh
-// numbers.  The common zero limbs at the bottom leave first: they are a
-// factor of the GCD and change no cofactor.
-template <class R>
-void lehmerGcd(SignedNumber<R>& g, SignedNumber<R>* x, const SignedNumber<R>& a, const SignedNumber<R>& b) {
-    const std::size_t common = std::min(a.rec().lowIndex, b.rec().lowIndex);
-    const std::size_t an = a.rec().topIndex + 1 - common, bn = b.rec().topIndex + 1 - common;
-    EuclidRun<R> run(a.limbs() + common, an, b.limbs() + common, bn, x != nullptr);
-    if (!run.run() || terminateRequested()) {
-        g.setZero();
-        if (x) x->setZero();
-        return;
+// The common power of two of a and b (trimmed, non-zero) leaves both: it
+// is a factor of the GCD and changes no cofactor.  Returns its exponent.
+inline std::size_t removeCommonTwos(Words& a, Words& b) {
+    const auto zeros = [](const Words& w) {
+        std::size_t i = 0;
+        while (w[i] == 0) ++i;
+        return 64 * i + std::size_t(__builtin_ctzll(w[i]));
+    };
+    const std::size_t shift = std::min(zeros(a), zeros(b));
+    for (Words* w : {&a, &b}) {
+        w->erase(w->begin(), w->begin() + std::ptrdiff_t(shift / 64));
+        shiftRightWords(w->data(), w->size(), unsigned(shift % 64));
+        w->resize(trimmedWords(w->data(), w->size()));
     }
-    setMagnitudeFromLimbs(g, run.gcd(), run.gcdLength(), common);
-    if (x) {
-        setMagnitudeFromLimbs(*x, run.cofactor(), run.cofactorLength(), 0);
-        if (run.cofactorNegative()) x->negate();
-    }
+    return shift;
 }
 
-// The GCD of two non-zero numbers by the path their sizes choose.
+// w * 2^shift.
+inline Words shiftedLeft(const Words& w, std::size_t shift) {
+    Words out(shift / 64, 0);
+    const unsigned bits = unsigned(shift % 64);
+    Word below = 0;
+    for (Word x : w) out.push_back(bits ? (x << bits) | below : x), below = bits ? x >> (64 - bits) : 0;
+    out.push_back(below);
+    return out;
+}
+
+// g := gcd(|a|, |b|) for non-zero a and b, and with x non-null the cofactor
+// x of |a| with |a| x = g (mod |b|), |x| <= |b| / g.  g and x are fresh
+// numbers.  The work runs on 64-bit words; the common zero limbs at the
+// bottom leave first, then the common power of two: both are factors of the
+// GCD and change no cofactor.
 template <class R>
 void gcdOfNonZero(SignedNumber<R>& g, SignedNumber<R>* x, const SignedNumber<R>& a, const SignedNumber<R>& b) {
-    if (useSubquadraticGcd(a, b))
-        lehmerGcd(g, x, a, b);  // the sub-quadratic (half-GCD) path is still to come
-    else
-        lehmerGcd(g, x, a, b);
+    const bool subquadratic = useSubquadraticGcd(a, b);
+    const std::size_t common = std::min(a.rec().lowIndex, b.rec().lowIndex);
+    Words wa = wordsOfMagnitude<R>(a.limbs() + common, a.rec().topIndex + 1 - common);
+    Words wb = wordsOfMagnitude<R>(b.limbs() + common, b.rec().topIndex + 1 - common);
+    g.setZero();
+    if (x) x->setZero();
+    if (terminateRequested() || wa.empty() || wb.empty()) return;
+    const std::size_t twos = removeCommonTwos(wa, wb);
+    EuclidState run(std::move(wa), std::move(wb), x != nullptr);
+    if (!(subquadratic ? runSubquadratic(run) : runPlain(run)) || terminateRequested()) return;
+    const Words gw = shiftedLeft(run.gcd(), twos);
+    setFromWords(g, gw.data(), gw.size(), common);
+    if (x) {
+        setFromWords(*x, run.cofactor().data(), run.cofactor().size(), 0);
+        if (run.cofactorNegative()) x->negate();
+    }
+    if (terminateRequested()) g.setZero(), x ? x->setZero() : void();
 }
 
 // r := gcd(|a|, |b|); gcd(0, b) = |b|.

@@ -3,6 +3,7 @@
 // factor, shared zero limbs and multiples; the identity and bounds of the
 // extended GCD's cofactors under every aliasing; the vector forms; bad input
 // and the terminate flag.
+#include "numtheory/gcd.h"
 #include "support/harness.h"
 
 namespace twtest {
@@ -102,6 +103,42 @@ TYPED_TEST(Gcd, CommonFactorsZeroLimbsMultiplesAndAliasedCofactors) {
                     }
                 }
             }
+}
+
+// Both sides of the sub-quadratic switch (65 536 digits above the common
+// zero limbs), common zero limbs that take a pair back under it, a long run
+// of zero limbs inside one operand, and a cheap pair of 10^6 digits (a large
+// common factor).  GCD and cofactors against GMP.
+TYPED_TEST(Gcd, AroundTheSubquadraticSwitch) {
+    using F = TypeParam;
+    using R = typename F::Radix;
+    Gen gen(76);
+    const auto digits = [&](unsigned long n) {  // a random number of exactly n digits
+        Mpz low, v = value<R>(gen.limbs<R>(n / 9 + 2));
+        mpz_ui_pow_ui(low, 10, n - 1);
+        mpz_mod(v, v, low), mpz_add(v, v, low);
+        return v;
+    };
+    struct Case { unsigned long da, db; std::size_t zeros; bool above; };
+    for (const Case c : {Case{65530, 65533, 0, false}, Case{65545, 65540, 0, true}, Case{65530, 65540, 2, false},
+                         Case{65545, 65545, 2, true}, Case{1000000, 1000000, 0, true}}) {
+        const Mpz g = digits(c.da < 100000 ? 3000 : 999990);
+        Mpz va = digits(c.da - mpz_sizeinbase(g, 10) + 1), vb = digits(c.db - mpz_sizeinbase(g, 10) + 1);
+        mpz_mul(va, va, g), mpz_mul(vb, vb, g);
+        mpz_mul(va, va, radixPower<R>(c.zeros)), mpz_mul(vb, vb, radixPower<R>(c.zeros + 3 * c.zeros));
+        if (c.zeros) mpz_neg(vb, vb);
+        Number<F> a, b, r, x, y;
+        a.set(va), b.set(vb);
+        EXPECT_EQ(tw::numtheory::useSubquadraticGcd(a.object(), b.object()), c.above) << c.da;
+        ASSERT_EQ(Ops<F>::gcdEx(r, x, y, a, b), r.h());
+        EXPECT_TRUE(bezout(va, vb, r.value(), x.value(), y.value())) << c.da;
+    }
+    Mpz va = digits(80000), vb = digits(20000), want;
+    mpz_mul(vb, vb, radixPower<R>(6000)), mpz_add(vb, vb, digits(30000));  // zero limbs inside
+    Number<F> a, b, r;
+    a.set(va), b.set(vb);
+    mpz_gcd(want, va, vb);
+    EXPECT_TRUE(Ops<F>::gcd(r, a, b) == r.h() && holds(r, want));
 }
 
 TYPED_TEST(Gcd, VectorForms) {
