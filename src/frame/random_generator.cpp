@@ -92,7 +92,15 @@ LaggedFibonacciGenerator& libraryGenerator() {
     return generator;
 }
 
-void seedLibraryGenerator(std::uint32_t seed) { libraryGenerator().start(seed ^ kSeedMix); }
+std::unique_lock<std::mutex> lockLibraryGenerator() {
+    static std::mutex* lock = new std::mutex;  // never destroyed, like the generator's users
+    return std::unique_lock<std::mutex>(*lock);
+}
+
+void seedLibraryGenerator(std::uint32_t seed) {
+    const auto lock = lockLibraryGenerator();
+    libraryGenerator().start(seed ^ kSeedMix);
+}
 
 std::uint32_t randomBelow(std::uint32_t bound) {
     const unsigned shift = LaggedFibonacciGenerator::kBits - bitLength32(bound - 1);

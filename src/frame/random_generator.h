@@ -7,6 +7,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <mutex>
 
 namespace tw {
 
@@ -48,11 +49,16 @@ private:
 // a program that never seeds sees the same numbers on every run.
 LaggedFibonacciGenerator& libraryGenerator();
 
+// Threads draw from the one generator in turn: whoever draws holds this lock
+// for the whole of one random value.
+std::unique_lock<std::mutex> lockLibraryGenerator();
+
 // TW_seedRandom: the seed is mixed with 0x2B9ACA00 (10^9 XOR 2^28) first.
 void seedLibraryGenerator(std::uint32_t seed);
 
 // Uniform in [0, bound) for 1 <= bound <= 2^30, from the library generator:
-// the top bits of each number, redrawn while at or above bound.
+// the top bits of each number, redrawn while at or above bound.  The caller
+// holds lockLibraryGenerator().
 std::uint32_t randomBelow(std::uint32_t bound);
 
 }  // namespace tw

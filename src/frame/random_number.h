@@ -62,6 +62,7 @@ void setRandom(SignedNumber<R>& x, std::int32_t size) {
         return;
     }
     // Independent uniform limbs, the top one below the power its units allow.
+    const auto lock = lockLibraryGenerator();
     for (std::uint32_t i = 0; i + 1 < limbCount; ++i) r.digits[i] = randomBelow(R::base);
     r.digits[limbCount - 1] = randomBelow(limbBoundForUnits<R>(units - (limbCount - 1) * perLimb));
     normalizeIndices(r, limbCount);

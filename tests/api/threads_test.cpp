@@ -12,7 +12,7 @@ namespace twtest {
 namespace {
 
 // One thread's turns: new numbers, products, quotients and text, checked
-// against GMP, then deleted; also a converter.  Returns the wrong answers.
+// against GMP, then deleted; also random numbers and a converter.  Returns the wrong answers.
 int ownTurns(unsigned seed, int turns) {
     std::mt19937_64 rng(seed);
     int wrong = 0;
@@ -31,6 +31,8 @@ int ownTurns(unsigned seed, int turns) {
         mpz_pow_ui(want, gu, 3 + i % 5);
         mpz_tdiv_q(want, want, gv);
         wrong += !(Mpz(HI_getStrA(r, 0, nullptr)) == want) || !(numberValue(*tw::Family<HX_handle>::find(x)) == want);
+        HI_random(b, 40);  // the one generator, drawn from in turn
+        wrong += HI_getDigits(b) > 40;
         RC_handle c = RC_new(7);
         RC_set_u64(c, u);
         wrong += RC_get_u64(c) != u;

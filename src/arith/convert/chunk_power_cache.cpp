@@ -17,11 +17,12 @@ struct Entry {
     std::shared_ptr<ChunkPowers<R>> powers;
 };
 
-// Most recently used first.
+// Most recently used first.  One cache per thread: threads converting their
+// own numbers share nothing, and a cache ends with its thread.
 template <class R>
 std::vector<Entry<R>>& entries() {
-    static std::vector<Entry<R>>* list = new std::vector<Entry<R>>();  // never destroyed: no exit-order issues
-    return *list;
+    thread_local std::vector<Entry<R>> list;
+    return list;
 }
 
 template <class R>

@@ -7,8 +7,8 @@
 // The cache keeps the powers of a few chunks, the most recently used first,
 // within a bound on the limbs it holds; what exceeds the bound is dropped after
 // the conversion that built it.  Powers that the terminate flag cut short are
-// dropped as well, never handed out again.  Process-wide and unlocked: the
-// library is used from one thread at a time.
+// dropped as well, never handed out again.  Each thread has its own cache, so
+// no lock is needed and threads never see each other's powers.
 #pragma once
 
 #include <cstddef>
