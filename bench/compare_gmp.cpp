@@ -272,6 +272,30 @@ const PowModCase kPowModCases[] = {
     {"HI_powMod even m", false, false, 2048},
 };
 
+// A prime of `bits` bits against mpz_probab_prime_p(., 25), and the next
+// prime after a random number against mpz_nextprime.
+void runPrimeCases(const Options& options) {
+    for (unsigned bits : {1024u, 2048u}) {
+        if (!options.only.empty() && std::string("HX_isPrime").find(options.only) == std::string::npos) break;
+        BitOperand p(41, bits, true);
+        mpz_nextprime(p.gmp, p.gmp);
+        std::string text(mpz_sizeinbase(p.gmp, 10) + 2, '\0');
+        mpz_get_str(text.data(), 10, p.gmp);
+        HX_set_strA(p.hx, text.c_str());
+        volatile int sink = 0;  // gmp.h declares the test pure: keep its result
+        const Timing t = timeSideBySide([&] { HX_isPrime(p.hx); }, [&] { sink = sink + mpz_probab_prime_p(p.gmp, 25); },
+                                        options.budget);
+        printRow({"HX_isPrime (a prime)", std::to_string(bits) + " bits", t});
+    }
+    if (!options.only.empty() && std::string("HX_nextPrime").find(options.only) == std::string::npos) return;
+    BitOperand a(42, 1024, true), r(0, 8, true);
+    mpz_t g;
+    mpz_init(g);
+    const Timing t = timeSideBySide([&] { HX_nextPrime(r.hx, a.hx); }, [&] { mpz_nextprime(g, a.gmp); }, options.budget);
+    printRow({"HX_nextPrime", "1024 bits", t});
+    mpz_clear(g);
+}
+
 void runPowModCases(const Options& options) {
     for (const PowModCase& c : kPowModCases) {
         if (!options.only.empty() && std::string(c.name).find(options.only) == std::string::npos) continue;
@@ -328,5 +352,6 @@ int main(int argc, char** argv) {
         }
     }
     runPowModCases(options);
+    runPrimeCases(options);
     return 0;
 }
