@@ -1,6 +1,7 @@
 #include "arith/kernels/mul_scratch.h"
 
 #include <algorithm>
+#include <new>
 
 #if defined(__SANITIZE_ADDRESS__)
 #include <sanitizer/asan_interface.h>
@@ -20,29 +21,35 @@ constexpr std::size_t kGuard = 4;
 #else
 constexpr std::size_t kGuard = 0;
 #endif
+static_assert(kGuard + LimbScratch::kLineLimbs - 1 <= LimbScratch::kAlignedTakeSlack);
 }  // namespace
+
+void LimbScratch::LineDelete::operator()(Limb* p) const { ::operator delete(p, std::align_val_t(64)); }
 
 LimbScratch::~LimbScratch() {
     for (Block& b : blocks_) TW_SCRATCH_UNPOISON(b.data.get(), b.size);
 }
 
-Limb* LimbScratch::take(std::size_t n) {
-    const std::size_t need = n + kGuard;
-    while (current_ < blocks_.size() && blocks_[current_].size - used_ < need) {
+Limb* LimbScratch::takeFrom(std::size_t n, std::size_t alignLimbs) {
+    // Blocks start on a cache line, so aligning the offset aligns the address.
+    auto skip = [&] { return (alignLimbs - used_ % alignLimbs) % alignLimbs; };
+    while (current_ < blocks_.size() && blocks_[current_].size - used_ < skip() + n + kGuard) {
         ++current_;
         used_ = 0;
     }
     if (current_ == blocks_.size()) {
         // Grow geometrically so that a poor estimate costs few extra blocks.
         const std::size_t last = blocks_.empty() ? 0 : blocks_.back().size;
-        const std::size_t size = std::max({need, 2 * last, expected_, std::size_t(256)});
-        blocks_.push_back(Block{std::unique_ptr<Limb[]>(new Limb[size]), size});
-        TW_SCRATCH_POISON(blocks_.back().data.get(), size);
+        const std::size_t size = std::max({n + kGuard, 2 * last, expected_, std::size_t(256)});
+        Limb* data = static_cast<Limb*>(::operator new(size * sizeof(Limb), std::align_val_t(64)));
+        blocks_.push_back(Block{std::unique_ptr<Limb[], LineDelete>(data), size});
+        TW_SCRATCH_POISON(data, size);
         used_ = 0;
     }
+    used_ += skip();  // the skipped limbs stay poisoned
     Limb* p = blocks_[current_].data.get() + used_;
     TW_SCRATCH_UNPOISON(p, n);
-    used_ += need;
+    used_ += n + kGuard;
     return p;
 }
 
