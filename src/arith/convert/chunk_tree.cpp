@@ -271,12 +271,14 @@ std::size_t joinedLimbsBound(std::size_t count, std::uint64_t chunk) {
 
 template <class R>
 std::size_t joinScratchLimbs(std::size_t count, std::uint64_t chunk) {
-    // Live at once: the high halves of the nodes on one path (each at most
-    // half its node's run, so together below one bound of the whole run) and
-    // one node's product (its high half times a power below chunk^half).
-    // Measured, 1.5 bounds at most, at the top node.  Each level adds the two
-    // limbs of its bounds and the sanitizer's guards.
-    return 2 * joinedLimbsBound<R>(count, chunk) + 16 * kMaxDepth;
+    // Live at once: the high halves of the nodes on one path and one node's
+    // product.  The high half of a run is at most half of it, so the ancestors'
+    // halves sum to less than half a bound when a node below the top is at
+    // work, and its own half and product (that half times a power below
+    // chunk^half) to less than three quarters; the top node's come to 1.5
+    // bounds, the most there is (measured so).  Each level adds the two limbs
+    // of its bounds and the sanitizer's guards.
+    return 3 * joinedLimbsBound<R>(count, chunk) / 2 + 16 * kMaxDepth;
 }
 
 template <class R>

@@ -45,7 +45,8 @@ void packChunks(std::uint32_t* chunks, const std::uint32_t* digits, std::size_t 
 }
 
 // The limbs of the value of the digits, each below the radix; top limbs may be zero.
-// The packed chunks and the join's output and temporaries share one arena.
+// The packed chunks and the join's temporaries share one arena; the join
+// writes straight into the result.
 template <class R>
 std::vector<Limb> limbsOfDigits(std::uint64_t radixValue, const std::uint32_t* digits, std::size_t count) {
     if constexpr (R::isBinary) {
@@ -56,17 +57,16 @@ std::vector<Limb> limbsOfDigits(std::uint64_t radixValue, const std::uint32_t* d
     const ChunkRadix c = convert::chunkRadixOf(radixValue);
     const std::size_t chunkCount = (count + c.digitsPerChunk - 1) / c.digitsPerChunk;
     const std::size_t packed = c.digitsPerChunk == 1 ? 0 : chunkCount;
-    const std::size_t bound = convert::joinedLimbsBound<R>(chunkCount, c.chunk);
-    LimbScratch scratch(packed + bound + convert::joinScratchLimbs<R>(chunkCount, c.chunk));
+    LimbScratch scratch(packed + convert::joinScratchLimbs<R>(chunkCount, c.chunk));
     const std::uint32_t* chunks = digits;
     if (packed != 0) {
         std::uint32_t* own = scratch.take(packed);
         packChunks(own, digits, count, c);
         chunks = own;
     }
-    Limb* out = scratch.take(bound);
-    const std::size_t length = convert::joinChunks<R>(out, chunks, chunkCount, c.chunk, scratch);
-    return std::vector<Limb>(out, out + length);
+    std::vector<Limb> limbs(convert::joinedLimbsBound<R>(chunkCount, c.chunk));
+    limbs.resize(convert::joinChunks<R>(limbs.data(), chunks, chunkCount, c.chunk, scratch));
+    return limbs;
 }
 
 template <class R>

@@ -1,7 +1,7 @@
 #include "arith/kernels/mul_scratch.h"
 
 #include <algorithm>
-#include <new>
+#include <cstdint>
 
 #if defined(__SANITIZE_ADDRESS__)
 #include <sanitizer/asan_interface.h>
@@ -24,10 +24,8 @@ constexpr std::size_t kGuard = 0;
 static_assert(kGuard + LimbScratch::kLineLimbs - 1 <= LimbScratch::kAlignedTakeSlack);
 }  // namespace
 
-void LimbScratch::LineDelete::operator()(Limb* p) const { ::operator delete(p, std::align_val_t(64)); }
-
 LimbScratch::~LimbScratch() {
-    for (Block& b : blocks_) TW_SCRATCH_UNPOISON(b.data.get(), b.size);
+    for (Block& b : blocks_) TW_SCRATCH_UNPOISON(b.storage.get(), b.size + kLineLimbs - 1);
 }
 
 Limb* LimbScratch::takeFrom(std::size_t n, std::size_t alignLimbs) {
@@ -41,13 +39,17 @@ Limb* LimbScratch::takeFrom(std::size_t n, std::size_t alignLimbs) {
         // Grow geometrically so that a poor estimate costs few extra blocks.
         const std::size_t last = blocks_.empty() ? 0 : blocks_.back().size;
         const std::size_t size = std::max({n + kGuard, 2 * last, expected_, std::size_t(256)});
-        Limb* data = static_cast<Limb*>(::operator new(size * sizeof(Limb), std::align_val_t(64)));
-        blocks_.push_back(Block{std::unique_ptr<Limb[], LineDelete>(data), size});
-        TW_SCRATCH_POISON(data, size);
+        // Aligned by hand: the aligned forms of operator new cost more than
+        // a small product's arena can bear.
+        std::unique_ptr<Limb[]> storage(new Limb[size + kLineLimbs - 1]);
+        const std::uintptr_t start = reinterpret_cast<std::uintptr_t>(storage.get());
+        Limb* data = storage.get() + ((64 - start % 64) % 64) / sizeof(Limb);
+        TW_SCRATCH_POISON(storage.get(), size + kLineLimbs - 1);
+        blocks_.push_back(Block{std::move(storage), data, size});
         used_ = 0;
     }
     used_ += skip();  // the skipped limbs stay poisoned
-    Limb* p = blocks_[current_].data.get() + used_;
+    Limb* p = blocks_[current_].data + used_;
     TW_SCRATCH_UNPOISON(p, n);
     used_ += n + kGuard;
     return p;
@@ -58,7 +60,7 @@ void LimbScratch::release(std::size_t block, std::size_t used) {
     // Everything handed out after (block, used) becomes free (and poisoned) again.
     for (std::size_t i = block; i <= current_ && i < blocks_.size(); ++i) {
         const std::size_t from = i == block ? used : 0;
-        TW_SCRATCH_POISON(blocks_[i].data.get() + from, blocks_[i].size - from);
+        TW_SCRATCH_POISON(blocks_[i].data + from, blocks_[i].size - from);
     }
     current_ = block;
     used_ = used;

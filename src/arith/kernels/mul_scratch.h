@@ -73,11 +73,9 @@ public:
     };
 
 private:
-    struct LineDelete {
-        void operator()(Limb* p) const;
-    };
     struct Block {
-        std::unique_ptr<Limb[], LineDelete> data;
+        std::unique_ptr<Limb[]> storage;  // a line longer than size, for the alignment
+        Limb* data;                       // its first cache-line boundary
         std::size_t size;
     };
     Limb* takeFrom(std::size_t n, std::size_t alignLimbs);
