@@ -64,7 +64,6 @@ public:
         ~Frame() { scratch_.release(block_, used_); }
         Limb* take(std::size_t n) { return scratch_.take(n); }
         Limb* takeAligned(std::size_t n) { return scratch_.takeAligned(n); }
-        LimbScratch& scratch() { return scratch_; }
 
     private:
         LimbScratch& scratch_;

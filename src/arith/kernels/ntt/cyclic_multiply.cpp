@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cassert>
+#include <tuple>
 #include <utility>
 
 #include "arith/kernels/add_sub.h"
@@ -114,8 +115,11 @@ void cyclicMultiply(Limb* out, std::size_t length, const Limb* a, std::size_t an
     assert(length >= 4 && length <= kTransformMaxLength && roundTransformLength(length) == length);
     if (terminateRequested()) return;
     LimbScratch::Frame frame(scratch);
-    auto [x, xn] = operandOf<R>(frame, length, a, an);
-    auto [y, yn] = operandOf<R>(frame, length, b, bn);
+    // Plain variables, not structured bindings: the lambda below captures them.
+    const Limb *x, *y;
+    std::size_t xn, yn;
+    std::tie(x, xn) = operandOf<R>(frame, length, a, an);
+    std::tie(y, yn) = operandOf<R>(frame, length, b, bn);
     if (xn == 0 || yn == 0) {
         std::fill(out, out + length, 0);
         return;
@@ -176,7 +180,9 @@ void cyclicMultiplyBy(Limb* out, std::size_t length, const Limb* a, std::size_t 
     assert(b.readyFor(length));
     if (terminateRequested()) return;
     LimbScratch::Frame frame(scratch);
-    auto [x, xn] = operandOf<R>(frame, length, a, an);
+    const Limb* x;
+    std::size_t xn;
+    std::tie(x, xn) = operandOf<R>(frame, length, a, an);
     if (xn == 0 || b.limbs_ == 0) {
         std::fill(out, out + length, 0);
         return;
