@@ -10,6 +10,8 @@
 #include "arith/kernels/divide.h"
 #include "frame/error_state.h"
 #include "arith/convert/chunk_power_cache.h"
+#include "arith/convert/chunk_radix.h"
+#include "arith/convert/chunk_tree.h"
 #include "arith/convert/digit_conversion.h"
 #include "arith/convert/word_leaf.h"
 
@@ -279,6 +281,27 @@ TYPED_TEST(Conversion, UnfinishedPowersAreDropped) {
     EXPECT_NE(tw::convert::acquireChunkPowers<R>(27, 32, false), held.front());
 }
 
+// The tree's size functions cover its frames, the divisions' included: one
+// block from the first leaf to the top, cold and warm, in and out of the
+// decimal detour through binary limbs.
+TYPED_TEST(Conversion, ScratchSizesCoverTheTree) {
+    using R = TypeParam;
+    namespace C = tw::convert;
+    Gen gen(207);
+    for (std::size_t n : {std::size_t(50), std::size_t(700), std::size_t(6000), std::size_t(40000)})
+        for (std::uint64_t chunk : {std::uint64_t(1801088541u), std::uint64_t(10)}) {
+            const Limbs x = gen.limbs<R>(n);
+            const std::size_t count = std::size_t(double(n) * C::limbBits<R>() / std::log2(double(chunk))) + 2;
+            tw::arith::LimbScratch split(C::splitScratchLimbs<R>(n, count, chunk)), join(C::joinScratchLimbs<R>(count, chunk));
+            std::vector<std::uint32_t> chunks(count);
+            C::splitIntoChunks<R>(chunks.data(), count, x.data(), n, chunk, split);
+            Limbs back(C::joinedLimbsBound<R>(count, chunk));
+            back.resize(C::joinChunks<R>(back.data(), chunks.data(), count, chunk, join));
+            EXPECT_TRUE(back == x) << n << " limbs, chunk " << chunk;
+            EXPECT_LE(std::max(split.blockCount(), join.blockCount()), 1u) << n << " limbs, chunk " << chunk;
+        }
+}
+
 // A level's kept reciprocal serves short and long quotients alike, as the
 // plain division gives them.
 TYPED_TEST(Conversion, LevelReciprocalServesEveryQuotient) {
@@ -289,7 +312,8 @@ TYPED_TEST(Conversion, LevelReciprocalServesEveryQuotient) {
     for (std::size_t qn : {std::size_t(3), std::size_t(9), d.size(), d.size() - 5, std::size_t(1), std::size_t(20)}) {
         const Limbs a = gen.limbs<R>(d.size() + qn - 1);
         Limbs q(qn), r(d.size()), q2(qn), r2(d.size());
-        powers->divide(3, q.data(), r.data(), a.data(), a.size());
+        tw::arith::LimbScratch scratch;
+        powers->divide(3, q.data(), r.data(), a.data(), a.size(), scratch);
         tw::arith::divide<R>(q2.data(), r2.data(), a.data(), a.size(), d.data(), d.size());
         EXPECT_TRUE(q == q2 && r == r2) << qn << " quotient limbs";
     }

@@ -411,6 +411,29 @@ TYPED_TEST(Transforms, KeptFactorFollowsThePath) {
     EXPECT_EQ(f.words(), 0u);
 }
 
+// The size functions cover the buffers the transforms take (one block), and
+// the aligned takes they use start on a cache line after an odd take.
+TYPED_TEST(Transforms, ScratchSizesCoverTheTransforms) {
+    using R = TypeParam;
+    Gen gen(125);
+    for (const auto& [l, s] : Sizes{{1000, 1000}, {10000, 600}, {3000, 2500}, {1500, 1}}) {
+        const Limbs a = gen.limbs<R>(l), b = gen.limbs<R>(s);
+        Limbs out(l + s), sq(2 * l), cyclic(1024);
+        A::LimbScratch product(A::transformScratchLimbs(l, s)), square(A::transformScratchLimbs(l, l)),
+            folded(A::cyclicScratchLimbs(1024));
+        A::transformMultiply<R>(out.data(), a.data(), l, b.data(), s, product);
+        A::transformSquare<R>(sq.data(), a.data(), l, square);
+        A::cyclicMultiply<R>(cyclic.data(), 1024, a.data(), l, b.data(), s, folded);
+        EXPECT_LE(std::max({product.blockCount(), square.blockCount(), folded.blockCount()}), 1u) << l << " x " << s;
+        Mpz want;
+        mpz_mul(want, value<R>(a), value<R>(b));
+        EXPECT_TRUE(value<R>(out) == want) << l << " x " << s;
+    }
+    A::LimbScratch scratch;
+    scratch.take(3);
+    EXPECT_EQ(reinterpret_cast<std::uintptr_t>(scratch.takeAligned(5)) % 64, 0u);
+}
+
 // The product folded into a cyclic one a quarter shorter, unfolded by its low
 // limbs, for every fold width, and on the fold's ambiguous residues.
 TYPED_TEST(Transforms, FoldedProducts) {

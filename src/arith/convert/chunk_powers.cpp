@@ -40,7 +40,8 @@ const Limbs& ChunkPowers<R>::odd(unsigned i) {
 }
 
 template <class R>
-void ChunkPowers<R>::divide(unsigned i, Limb* q, Limb* r, const Limb* a, std::size_t an) {
+void ChunkPowers<R>::divide(unsigned i, Limb* q, Limb* r, const Limb* a, std::size_t an,
+                            arith::LimbScratch& scratch) {
     const Limbs& d = odd(i);
     const std::size_t dn = d.size();
     std::size_t low = 0;
@@ -48,7 +49,6 @@ void ChunkPowers<R>::divide(unsigned i, Limb* q, Limb* r, const Limb* a, std::si
     const std::size_t m = dn - low;          // the divisor above its zero limbs
     const std::size_t n = an - dn + 1;       // quotient limbs at most
     if (m < 2 || n < 2) {                    // no reciprocal needed
-        arith::LimbScratch scratch(arith::divideScratchLimbs(an, dn));
         arith::divideMagnitude<R>(scratch, q, r, a, an, d.data(), dn, nullptr, 0, arith::ProductRule::Fastest);
         return;
     }
@@ -59,11 +59,10 @@ void ChunkPowers<R>::divide(unsigned i, Limb* q, Limb* r, const Limb* a, std::si
         rec.v.assign(arith::reciprocalLimbs(p), 0);
         rec.precision = 0;
         rec.kept.clear();
-        arith::reciprocal<R>(rec.v.data(), d.data() + low, m, p, arith::ProductRule::Fastest);
+        arith::reciprocal<R>(scratch, rec.v.data(), d.data() + low, m, p, arith::ProductRule::Fastest);
         if (terminateRequested()) return;
         rec.precision = p;
     }
-    arith::LimbScratch scratch(arith::divideScratchLimbs(an, dn));
     arith::divideMagnitude<R>(scratch, q, r, a, an, d.data(), dn, rec.v.data(), rec.precision,
                               arith::ProductRule::Fastest, dn <= kKeptTransformsMaxLimbs ? &rec.kept : nullptr);
 }

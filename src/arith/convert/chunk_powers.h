@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "arith/kernels/divide_newton.h"
+#include "arith/kernels/mul_scratch.h"
 #include "arith/convert/limb_spans.h"
 #include "arith/tuning.h"
 
@@ -43,8 +44,9 @@ public:
     // for every division of the level.  The reciprocal is built for the
     // quotient at hand: the power's full length for the balanced divisions of
     // the tree, shorter for a short quotient (a longer one asked for later
-    // replaces it; a shorter one is served by truncation).
-    void divide(unsigned i, Limb* q, Limb* r, const Limb* a, std::size_t an);
+    // replaces it; a shorter one is served by truncation).  Temporaries are
+    // frames of `scratch`, the reciprocal's included (it is kept, they are not).
+    void divide(unsigned i, Limb* q, Limb* r, const Limb* a, std::size_t an, arith::LimbScratch& scratch);
 
     // Limbs held by the powers and the reciprocals.
     std::size_t limbsHeld() const;

@@ -5,6 +5,8 @@
 #include <cmath>
 
 #include "arith/kernels/add_sub.h"
+#include "arith/kernels/divide_newton.h"
+#include "arith/kernels/reciprocal.h"
 #include "arith/tuning.h"
 #include "frame/error_state.h"
 #include "arith/convert/chunk_power_cache.h"
@@ -33,16 +35,18 @@ std::size_t limbsBound(std::size_t count, double chunkBits) {
     return std::size_t(double(count) * chunkBits / limbBits<R>()) + 2;
 }
 
+// Most levels a tree has: each halves its run of chunks.
+constexpr std::size_t kMaxDepth = 64;
+
 // The join writes each value straight into the buffer its parent gives it;
-// the high halves and the products of one depth of the tree share a buffer,
-// since the nodes of a depth are joined one after the other.
+// a node's high half and product are frames of the scratch, taken after the
+// low half is joined, so the frames live along one path of the tree at a time.
 template <class R>
 class Joiner {
 public:
-    Joiner(const std::uint32_t* chunks, std::size_t count, std::uint64_t chunk)
+    Joiner(const std::uint32_t* chunks, std::size_t count, std::uint64_t chunk, LimbScratch& scratch)
         : chunks_(chunks), chunk_(chunk), chunkBits_(std::log2(double(chunk))),
-          powers_(acquireChunkPowers<R>(chunk, joinLeaf(count, chunk), true)), highs_(kMaxDepth),
-          products_(kMaxDepth) {}
+          powers_(acquireChunkPowers<R>(chunk, joinLeaf(count, chunk), true)), scratch_(scratch) {}
     ~Joiner() { releaseChunkPowers<R>(std::move(powers_)); }
     Joiner(const Joiner&) = delete;
     Joiner& operator=(const Joiner&) = delete;
@@ -64,20 +68,21 @@ public:
 
     // out[0..bound(count)) := the value of chunks[begin .. begin + count);
     // returns its length without zero limbs at the top.
-    std::size_t join(Limb* out, std::size_t begin, std::size_t count, unsigned depth) {
+    std::size_t join(Limb* out, std::size_t begin, std::size_t count) {
         const std::size_t leaf = powers_->leaf();
         if (count <= leaf) return horner(out, chunks_ + begin, count);
         if (terminateRequested()) return 0;
         const unsigned level = ChunkPowers<R>::levelFor(count, leaf);
         const std::size_t half = leaf << level;
         const std::size_t total = bound(count);
-        const std::size_t lowLength = join(out, begin, half, depth + 1);
+        const std::size_t lowLength = join(out, begin, half);
         std::fill(out + lowLength, out + total, 0);
-        Limb* high = reserve(highs_[depth], bound(count - half));
-        const std::size_t highLength = join(high, begin + half, count - half, depth + 1);
+        LimbScratch::Frame frame(scratch_);
+        Limb* high = frame.take(bound(count - half));
+        const std::size_t highLength = join(high, begin + half, count - half);
         const Limbs& odd = powers_->odd(level);
         if (highLength == 0 || odd.empty()) return lowLength;
-        Limb* product = reserve(products_[depth], highLength + odd.size());
+        Limb* product = frame.take(highLength + odd.size());
         multiplyFast<R>(product, high, highLength, odd.data(), odd.size());
         std::size_t productLength = highLength + odd.size();
         while (productLength > 0 && product[productLength - 1] == 0) --productLength;
@@ -95,13 +100,6 @@ public:
     }
 
 private:
-    static constexpr unsigned kMaxDepth = 64;
-
-    static Limb* reserve(Limbs& buffer, std::size_t limbs) {
-        if (buffer.size() < limbs) buffer.resize(limbs);
-        return buffer.data();
-    }
-
     // Horner's rule over chunks[0..count) into out; returns the length.
     std::size_t horner(Limb* out, const std::uint32_t* chunks, std::size_t count) const {
         if constexpr (R::isBinary) {
@@ -163,7 +161,7 @@ private:
     std::uint64_t chunk_;
     double chunkBits_;
     std::shared_ptr<ChunkPowers<R>> powers_;
-    std::vector<Limbs> highs_, products_;  // one buffer of each per depth
+    LimbScratch& scratch_;
 };
 
 template <class R>
@@ -172,63 +170,67 @@ public:
     // The leaf is fixed, not fitted to the count, so that conversions of any
     // length share the cached powers; a run a little longer than leaf * 2^i
     // then splits off a short high part, whose division is cheap.
-    explicit Splitter(std::uint64_t chunk)
-        : divisor_(chunk), wordDivider_(chunk), powers_(acquireChunkPowers<R>(chunk, kSplitLeaf, false)) {}
+    Splitter(std::uint64_t chunk, LimbScratch& scratch)
+        : divisor_(chunk), wordDivider_(chunk), powers_(acquireChunkPowers<R>(chunk, kSplitLeaf, false)),
+          scratch_(scratch) {}
     ~Splitter() { releaseChunkPowers<R>(std::move(powers_)); }
     Splitter(const Splitter&) = delete;
     Splitter& operator=(const Splitter&) = delete;
 
-    // out[0..count) := the chunks of x < chunk^count.
-    void split(std::uint32_t* out, std::size_t count, Limbs x) {
-        trimTop(x);
-        if (x.empty()) {
+    // out[0..count) := the chunks of x[0..n) < chunk^count; x is overwritten.
+    // The quotient and remainder of a node are frames of the scratch that
+    // live while its two halves are split.
+    void split(std::uint32_t* out, std::size_t count, Limb* x, std::size_t n) {
+        while (n > 0 && x[n - 1] == 0) --n;
+        if (n == 0) {
             std::fill(out, out + count, 0);
             return;
         }
         const std::size_t leaf = powers_->leaf();
         if (count <= leaf) {
-            divideOut(out, count, x);
+            divideOut(out, count, x, n);
             return;
         }
         if (terminateRequested()) return;
         const unsigned level = ChunkPowers<R>::levelFor(count, leaf);
         const std::size_t half = leaf << level;
-        Limbs quotient, remainder;
-        divide(level, std::move(x), quotient, remainder);
-        split(out, half, std::move(remainder));
-        split(out + half, count - half, std::move(quotient));
+        // x div P_level and x mod P_level (the splitter keeps no power of two
+        // apart, so odd(level) is the whole power).
+        const Limbs& d = powers_->odd(level);
+        if (n < d.size() || d.empty()) {
+            split(out, half, x, n);
+            split(out + half, count - half, nullptr, 0);
+            return;
+        }
+        LimbScratch::Frame frame(scratch_);
+        const std::size_t qn = n - d.size() + 1, rn = d.size();
+        Limb* q = frame.take(qn);
+        Limb* r = frame.take(rn);
+        // Zeros stand should the terminate flag cut the division short.
+        std::fill(q, q + qn, 0);
+        std::fill(r, r + rn, 0);
+        powers_->divide(level, q, r, x, n, scratch_);
+        split(out, half, r, rn);
+        split(out + half, count - half, q, qn);
     }
 
 private:
-    // q, r := a div P_level, a mod P_level (the splitter keeps no power of two
-    // apart, so odd(level) is the whole power).
-    void divide(unsigned level, Limbs a, Limbs& q, Limbs& r) {
-        const Limbs& d = powers_->odd(level);
-        if (a.size() < d.size() || d.empty()) {
-            q.clear();
-            r = std::move(a);
-            return;
-        }
-        q.assign(a.size() - d.size() + 1, 0);
-        r.assign(d.size(), 0);
-        powers_->divide(level, q.data(), r.data(), a.data(), a.size());
-        trimTop(q);
-        trimTop(r);
-    }
-
     // Repeated division of x by the chunk, count times.  Each division runs
     // from the top limb down, so the next one can start on a quotient limb as
     // soon as it is out: kLanes divisions go down together, one limb apart,
     // and their chains of dependent multiplications overlap instead of
     // following one another.
-    void divideOut(std::uint32_t* out, std::size_t count, Limbs& x) {
+    void divideOut(std::uint32_t* out, std::size_t count, Limb* x, std::size_t n) {
         if constexpr (R::isBinary) {
-            words_.resize(x.size() * BinaryRadix::bitsPerLimb / 64 + 2);
-            const std::size_t n = binaryLimbsToWords(words_.data(), x.data(), x.size());
-            wordDivider_.split(out, count, words_.data(), n);
+            // x < chunk^count < 2^(32 count): the words fit a leaf's bound.  A
+            // value the terminate flag left unfinished is cut to fit, its
+            // chunks being unspecified anyway.
+            std::uint64_t words[kLeafWords];
+            n = std::min(n, kLeafWords * 64 / BinaryRadix::bitsPerLimb);
+            const std::size_t w = binaryLimbsToWords(words, x, n);
+            wordDivider_.split(out, count, words, w);
             return;
         }
-        std::size_t n = x.size();
         std::size_t j = 0;
         for (; j + kLanes <= count && n > 0; j += kLanes) {
             std::uint64_t rem[kLanes] = {};
@@ -249,39 +251,91 @@ private:
     }
 
     static constexpr unsigned kLanes = 4;
+    // 64-bit words of a leaf's value (below 2^(32 kSplitLeaf)), and one for
+    // the partial word binaryLimbsToWords may add.
+    static constexpr std::size_t kLeafWords = kSplitLeaf / 2 + 1;
 
     WordDivisor divisor_;
     WordChunkDivider wordDivider_;
-    std::vector<std::uint64_t> words_;
     std::shared_ptr<ChunkPowers<R>> powers_;
+    LimbScratch& scratch_;
 };
 
 }  // namespace
 
 template <class R>
-std::vector<Limb> joinChunks(const std::uint32_t* chunks, std::size_t count, std::uint64_t chunk) {
-    Joiner<R> joiner(chunks, count, chunk);
-    Limbs out(joiner.bound(count));
-    out.resize(joiner.join(out.data(), 0, count, 0));
-    return out;
+std::size_t joinedLimbsBound(std::size_t count, std::uint64_t chunk) {
+    return limbsBound<R>(count, std::log2(double(chunk)));
 }
 
 template <class R>
-void splitIntoChunks(std::uint32_t* out, std::size_t count, const Limb* x, std::size_t n, std::uint64_t chunk) {
+std::size_t joinScratchLimbs(std::size_t count, std::uint64_t chunk) {
+    // Live at once: the high halves of the nodes on one path and one node's
+    // product.  The high half of a run is at most half of it, so the ancestors'
+    // halves sum to less than half a bound when a node below the top is at
+    // work, and its own half and product (that half times a power below
+    // chunk^half) to less than three quarters; the top node's come to 1.5
+    // bounds, the most there is (measured so).  Each level adds the two limbs
+    // of its bounds and the sanitizer's guards.
+    return 3 * joinedLimbsBound<R>(count, chunk) / 2 + 16 * kMaxDepth;
+}
+
+template <class R>
+std::size_t joinChunks(Limb* out, const std::uint32_t* chunks, std::size_t count, std::uint64_t chunk,
+                       LimbScratch& scratch) {
+    Joiner<R> joiner(chunks, count, chunk, scratch);
+    return joiner.join(out, 0, count);
+}
+
+template <class R>
+std::size_t splitScratchLimbs(std::size_t n, std::size_t count, std::uint64_t chunk) {
     if constexpr (!R::isBinary) {
         if (n >= kBinarySplitMinLimbs && n <= kBinarySplitMaxLimbs) {
-            const Limbs binary = joinChunks<BinaryRadix>(x, n, DecimalRadix::base);
-            splitIntoChunks<BinaryRadix>(out, count, binary.data(), binary.size(), chunk);
+            const std::size_t binary = joinedLimbsBound<BinaryRadix>(n, DecimalRadix::base);
+            return binary + std::max(joinScratchLimbs<BinaryRadix>(n, DecimalRadix::base),
+                                     splitScratchLimbs<BinaryRadix>(binary, count, chunk));
+        }
+    }
+    // The copy of x, and the quotients and remainders along one path: each
+    // node's one limb more than its dividend, which is x at the top and at
+    // most the top's remainder one level down, then shrinks by half a level.
+    // With them lives the division of one node (or the reciprocal it builds
+    // first), at most that of x by itself: 5 to 7.5 n limbs in all, measured,
+    // against 11 n here.
+    const std::size_t division = std::max(arith::divideScratchLimbs(n, n),
+                                          arith::reciprocalScratchLimbs(arith::blockPrecision(n)));
+    return 3 * n + division + 16 * kMaxDepth;
+}
+
+template <class R>
+void splitIntoChunks(std::uint32_t* out, std::size_t count, const Limb* x, std::size_t n, std::uint64_t chunk,
+                     LimbScratch& scratch) {
+    LimbScratch::Frame frame(scratch);
+    if constexpr (!R::isBinary) {
+        if (n >= kBinarySplitMinLimbs && n <= kBinarySplitMaxLimbs) {
+            Limb* binary = frame.take(joinedLimbsBound<BinaryRadix>(n, DecimalRadix::base));
+            const std::size_t length = joinChunks<BinaryRadix>(binary, x, n, DecimalRadix::base, scratch);
+            splitIntoChunks<BinaryRadix>(out, count, binary, length, chunk, scratch);
             return;
         }
     }
-    Splitter<R> splitter(chunk);
-    splitter.split(out, count, Limbs(x, x + n));
+    Limb* copy = frame.take(n);
+    std::copy(x, x + n, copy);
+    Splitter<R> splitter(chunk, scratch);
+    splitter.split(out, count, copy, n);
 }
 
-template std::vector<Limb> joinChunks<DecimalRadix>(const std::uint32_t*, std::size_t, std::uint64_t);
-template std::vector<Limb> joinChunks<BinaryRadix>(const std::uint32_t*, std::size_t, std::uint64_t);
-template void splitIntoChunks<DecimalRadix>(std::uint32_t*, std::size_t, const Limb*, std::size_t, std::uint64_t);
-template void splitIntoChunks<BinaryRadix>(std::uint32_t*, std::size_t, const Limb*, std::size_t, std::uint64_t);
+template std::size_t joinedLimbsBound<DecimalRadix>(std::size_t, std::uint64_t);
+template std::size_t joinedLimbsBound<BinaryRadix>(std::size_t, std::uint64_t);
+template std::size_t joinScratchLimbs<DecimalRadix>(std::size_t, std::uint64_t);
+template std::size_t joinScratchLimbs<BinaryRadix>(std::size_t, std::uint64_t);
+template std::size_t joinChunks<DecimalRadix>(Limb*, const std::uint32_t*, std::size_t, std::uint64_t, LimbScratch&);
+template std::size_t joinChunks<BinaryRadix>(Limb*, const std::uint32_t*, std::size_t, std::uint64_t, LimbScratch&);
+template std::size_t splitScratchLimbs<DecimalRadix>(std::size_t, std::size_t, std::uint64_t);
+template std::size_t splitScratchLimbs<BinaryRadix>(std::size_t, std::size_t, std::uint64_t);
+template void splitIntoChunks<DecimalRadix>(std::uint32_t*, std::size_t, const Limb*, std::size_t, std::uint64_t,
+                                            LimbScratch&);
+template void splitIntoChunks<BinaryRadix>(std::uint32_t*, std::size_t, const Limb*, std::size_t, std::uint64_t,
+                                           LimbScratch&);
 
 }  // namespace tw::convert

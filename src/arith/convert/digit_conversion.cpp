@@ -13,6 +13,7 @@ namespace tw {
 
 namespace {
 
+using arith::LimbScratch;
 using convert::ChunkRadix;
 
 // Digits that are not below the radix (a converter whose radix was changed
@@ -30,20 +31,22 @@ std::vector<std::uint32_t> carryExcess(const std::uint32_t* digits, std::size_t 
     return out;
 }
 
-// Packs digits[0..count) by `digitsPerChunk` into chunks, least significant first.
-std::vector<std::uint32_t> packChunks(const std::uint32_t* digits, std::size_t count, const ChunkRadix& c) {
+// Packs digits[0..count) by `digitsPerChunk` into chunks[0 .. count / k
+// rounded up), least significant first.
+void packChunks(std::uint32_t* chunks, const std::uint32_t* digits, std::size_t count, const ChunkRadix& c) {
     const std::size_t k = c.digitsPerChunk;
-    std::vector<std::uint32_t> chunks((count + k - 1) / k);
-    for (std::size_t j = 0; j < chunks.size(); ++j) {
+    const std::size_t chunkCount = (count + k - 1) / k;
+    for (std::size_t j = 0; j < chunkCount; ++j) {
         const std::size_t begin = j * k, end = std::min(count, begin + k);
         std::uint64_t v = 0;
         for (std::size_t i = end; i-- > begin;) v = v * c.radix + digits[i];
         chunks[j] = std::uint32_t(v);
     }
-    return chunks;
 }
 
 // The limbs of the value of the digits, each below the radix; top limbs may be zero.
+// The packed chunks and the join's temporaries share one arena; the join
+// writes straight into the result.
 template <class R>
 std::vector<Limb> limbsOfDigits(std::uint64_t radixValue, const std::uint32_t* digits, std::size_t count) {
     if constexpr (R::isBinary) {
@@ -52,9 +55,18 @@ std::vector<Limb> limbsOfDigits(std::uint64_t radixValue, const std::uint32_t* d
         if (const unsigned j = convert::powerOfTenExponent(radixValue)) return convert::decimalDigitsToLimbs(digits, count, j);
     }
     const ChunkRadix c = convert::chunkRadixOf(radixValue);
-    if (c.digitsPerChunk == 1) return convert::joinChunks<R>(digits, count, c.chunk);
-    const std::vector<std::uint32_t> chunks = packChunks(digits, count, c);
-    return convert::joinChunks<R>(chunks.data(), chunks.size(), c.chunk);
+    const std::size_t chunkCount = (count + c.digitsPerChunk - 1) / c.digitsPerChunk;
+    const std::size_t packed = c.digitsPerChunk == 1 ? 0 : chunkCount;
+    LimbScratch scratch(packed + convert::joinScratchLimbs<R>(chunkCount, c.chunk));
+    const std::uint32_t* chunks = digits;
+    if (packed != 0) {
+        std::uint32_t* own = scratch.take(packed);
+        packChunks(own, digits, count, c);
+        chunks = own;
+    }
+    std::vector<Limb> limbs(convert::joinedLimbsBound<R>(chunkCount, c.chunk));
+    limbs.resize(convert::joinChunks<R>(limbs.data(), chunks, chunkCount, c.chunk, scratch));
+    return limbs;
 }
 
 template <class R>
@@ -83,20 +95,20 @@ std::size_t chunksBound(std::size_t limbs, std::uint64_t chunk) {
     return std::size_t(bits / std::log2(double(chunk)) * (1 + 1e-12)) + 2;
 }
 
-// Unpacks chunks into digits and drops zero digits at the top.
-std::vector<std::uint32_t> unpackChunks(const std::vector<std::uint32_t>& chunks, const ChunkRadix& c) {
+// Unpacks chunks[0..n) into digits and drops zero digits at the top.
+std::vector<std::uint32_t> unpackChunks(const std::uint32_t* chunks, std::size_t n, const ChunkRadix& c) {
     std::vector<std::uint32_t> digits;
     if (c.digitsPerChunk == 1) {
-        digits = chunks;
+        digits.assign(chunks, chunks + n);
     } else {
-        digits.resize(chunks.size() * c.digitsPerChunk);
+        digits.resize(n * c.digitsPerChunk);
         // A multiply-high per digit instead of a hardware division.
         const convert::WordDivisor byRadix(c.radix);
         // Four chunks at a time: their chains of dependent divisions overlap.
         const unsigned k = c.digitsPerChunk;
         std::uint32_t* out = digits.data();
         std::size_t j = 0;
-        for (; j + 4 <= chunks.size(); j += 4, out += 4 * k) {
+        for (; j + 4 <= n; j += 4, out += 4 * k) {
             std::uint64_t v[4] = {chunks[j], chunks[j + 1], chunks[j + 2], chunks[j + 3]};
             for (unsigned i = 0; i < k; ++i)
                 for (unsigned lane = 0; lane < 4; ++lane) {
@@ -105,7 +117,7 @@ std::vector<std::uint32_t> unpackChunks(const std::vector<std::uint32_t>& chunks
                     out[lane * k + i] = std::uint32_t(digit);
                 }
         }
-        for (; j < chunks.size(); ++j) {
+        for (; j < n; ++j) {
             std::uint64_t v = chunks[j], digit;
             for (unsigned i = 0; i < k; ++i) {
                 v = byRadix.divide(v, digit);
@@ -175,13 +187,19 @@ std::vector<std::uint32_t> toDigits(const NumberRecord& x, std::uint32_t targetR
     } else if (regroups<OtherRadix<R>>(radixValue)) {
         // A power of the other limb radix's base: a join into that radix
         // (products only) and a regrouping beat the divisions of a split.
-        const std::vector<Limb> other = convert::joinChunks<OtherRadix<R>>(limbs, n, R::base);
-        digits = regroupedDigits<OtherRadix<R>>(other.data(), other.size(), radixValue);
+        using Other = OtherRadix<R>;
+        const std::size_t bound = convert::joinedLimbsBound<Other>(n, R::base);
+        LimbScratch scratch(bound + convert::joinScratchLimbs<Other>(n, R::base));
+        Limb* other = scratch.take(bound);
+        const std::size_t length = convert::joinChunks<Other>(other, limbs, n, R::base, scratch);
+        digits = regroupedDigits<Other>(other, length, radixValue);
     } else {
         const ChunkRadix c = convert::chunkRadixOf(radixValue);
-        std::vector<std::uint32_t> chunks(chunksBound<R>(n, c.chunk));
-        convert::splitIntoChunks<R>(chunks.data(), chunks.size(), limbs, n, c.chunk);
-        digits = unpackChunks(chunks, c);
+        const std::size_t count = chunksBound<R>(n, c.chunk);
+        LimbScratch scratch(count + convert::splitScratchLimbs<R>(n, count, c.chunk));
+        std::uint32_t* chunks = scratch.take(count);
+        convert::splitIntoChunks<R>(chunks, count, limbs, n, c.chunk, scratch);
+        digits = unpackChunks(chunks, count, c);
     }
     while (!digits.empty() && digits.back() == 0) digits.pop_back();
     if (terminateRequested()) return {};

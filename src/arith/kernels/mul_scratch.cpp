@@ -1,6 +1,7 @@
 #include "arith/kernels/mul_scratch.h"
 
 #include <algorithm>
+#include <cstdint>
 
 #if defined(__SANITIZE_ADDRESS__)
 #include <sanitizer/asan_interface.h>
@@ -20,29 +21,37 @@ constexpr std::size_t kGuard = 4;
 #else
 constexpr std::size_t kGuard = 0;
 #endif
+static_assert(kGuard + LimbScratch::kLineLimbs - 1 <= LimbScratch::kAlignedTakeSlack);
 }  // namespace
 
 LimbScratch::~LimbScratch() {
-    for (Block& b : blocks_) TW_SCRATCH_UNPOISON(b.data.get(), b.size);
+    for (Block& b : blocks_) TW_SCRATCH_UNPOISON(b.storage.get(), b.size + kLineLimbs - 1);
 }
 
-Limb* LimbScratch::take(std::size_t n) {
-    const std::size_t need = n + kGuard;
-    while (current_ < blocks_.size() && blocks_[current_].size - used_ < need) {
+Limb* LimbScratch::takeFrom(std::size_t n, std::size_t alignLimbs) {
+    // Blocks start on a cache line, so aligning the offset aligns the address.
+    auto skip = [&] { return (alignLimbs - used_ % alignLimbs) % alignLimbs; };
+    while (current_ < blocks_.size() && blocks_[current_].size - used_ < skip() + n + kGuard) {
         ++current_;
         used_ = 0;
     }
     if (current_ == blocks_.size()) {
         // Grow geometrically so that a poor estimate costs few extra blocks.
         const std::size_t last = blocks_.empty() ? 0 : blocks_.back().size;
-        const std::size_t size = std::max({need, 2 * last, expected_, std::size_t(256)});
-        blocks_.push_back(Block{std::unique_ptr<Limb[]>(new Limb[size]), size});
-        TW_SCRATCH_POISON(blocks_.back().data.get(), size);
+        const std::size_t size = std::max({n + kGuard, 2 * last, expected_, std::size_t(256)});
+        // Aligned by hand: the aligned forms of operator new cost more than
+        // a small product's arena can bear.
+        std::unique_ptr<Limb[]> storage(new Limb[size + kLineLimbs - 1]);
+        const std::uintptr_t start = reinterpret_cast<std::uintptr_t>(storage.get());
+        Limb* data = storage.get() + ((64 - start % 64) % 64) / sizeof(Limb);
+        TW_SCRATCH_POISON(storage.get(), size + kLineLimbs - 1);
+        blocks_.push_back(Block{std::move(storage), data, size});
         used_ = 0;
     }
-    Limb* p = blocks_[current_].data.get() + used_;
+    used_ += skip();  // the skipped limbs stay poisoned
+    Limb* p = blocks_[current_].data + used_;
     TW_SCRATCH_UNPOISON(p, n);
-    used_ += need;
+    used_ += n + kGuard;
     return p;
 }
 
@@ -51,7 +60,7 @@ void LimbScratch::release(std::size_t block, std::size_t used) {
     // Everything handed out after (block, used) becomes free (and poisoned) again.
     for (std::size_t i = block; i <= current_ && i < blocks_.size(); ++i) {
         const std::size_t from = i == block ? used : 0;
-        TW_SCRATCH_POISON(blocks_[i].data.get() + from, blocks_[i].size - from);
+        TW_SCRATCH_POISON(blocks_[i].data + from, blocks_[i].size - from);
     }
     current_ = block;
     used_ = used;

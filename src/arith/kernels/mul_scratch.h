@@ -1,10 +1,16 @@
-// LimbScratch: the temporary storage of one top-level multiplication.
+// LimbScratch: the temporary storage of one top-level kernel call.
 //
-// The divide-and-conquer rungs need buffers at every recursion level.  They
-// take them from one arena, sized up front for the whole call and released in
-// stack order by Frame objects, instead of allocating at every level.  Should
-// the estimate fall short, the arena adds a larger block; blocks are freed when
-// the arena goes.  Allocation failure throws std::bad_alloc.
+// The divide-and-conquer kernels need buffers at every recursion level.  They
+// take them from one arena, sized up front for the whole call by the kernel's
+// size function and released in stack order by Frame objects, instead of
+// allocating at every level.  Should the estimate fall short, the arena adds a
+// larger block; blocks are freed when the arena goes.  Allocation failure
+// throws std::bad_alloc.
+//
+// Every block starts on a cache line, and takeAligned() hands out buffers that
+// do too: the transform's vector kernels stream through residue vectors and
+// root tables laid out that way.  Residues are words of the limb type (below
+// primes near 2^30), so one limb arena serves them.
 //
 // The arena also carries the one choice a caller may make about the rungs:
 // how long a shorter operand the basecase still takes (see multiplyFast).
@@ -25,6 +31,12 @@ namespace tw::arith {
 
 class LimbScratch {
 public:
+    // Limbs in a cache line.
+    static constexpr std::size_t kLineLimbs = 64 / sizeof(Limb);
+    // What a size function adds per aligned take: the limbs skipped to reach
+    // the line (at most kLineLimbs - 1) and the sanitizer's guard, rounded up.
+    static constexpr std::size_t kAlignedTakeSlack = 2 * kLineLimbs;
+
     // expectedLimbs: the first block's size; 0 defers allocation to the first take().
     explicit LimbScratch(std::size_t expectedLimbs = 0) : expected_(expectedLimbs) {}
     LimbScratch(const LimbScratch&) = delete;
@@ -32,7 +44,9 @@ public:
     ~LimbScratch();
 
     // n uninitialised limbs, valid until the enclosing Frame ends.
-    Limb* take(std::size_t n);
+    Limb* take(std::size_t n) { return takeFrom(n, 1); }
+    // The same, starting on a 64-byte boundary.
+    Limb* takeAligned(std::size_t n) { return takeFrom(n, kLineLimbs); }
 
     // Blocks allocated so far (one when the estimate was enough).
     std::size_t blockCount() const { return blocks_.size(); }
@@ -49,6 +63,7 @@ public:
         Frame& operator=(const Frame&) = delete;
         ~Frame() { scratch_.release(block_, used_); }
         Limb* take(std::size_t n) { return scratch_.take(n); }
+        Limb* takeAligned(std::size_t n) { return scratch_.takeAligned(n); }
 
     private:
         LimbScratch& scratch_;
@@ -58,9 +73,11 @@ public:
 
 private:
     struct Block {
-        std::unique_ptr<Limb[]> data;
+        std::unique_ptr<Limb[]> storage;  // a line longer than size, for the alignment
+        Limb* data;                       // its first cache-line boundary
         std::size_t size;
     };
+    Limb* takeFrom(std::size_t n, std::size_t alignLimbs);
     void release(std::size_t block, std::size_t used);
 
     std::vector<Block> blocks_;

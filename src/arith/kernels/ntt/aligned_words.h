@@ -1,5 +1,6 @@
-// Word buffers aligned to a cache line, for the residue vectors and twiddle
-// tables the vector kernels stream through.  Allocation may throw std::bad_alloc.
+// Word buffers aligned to a cache line, for transforms kept across calls
+// (CyclicFactor).  Temporaries come from LimbScratch::takeAligned instead.
+// Allocation may throw std::bad_alloc.
 #pragma once
 
 #include <cstddef>

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <cassert>
+#include <tuple>
 #include <utility>
-#include <vector>
 
 #include "arith/kernels/add_sub.h"
 #include "arith/kernels/ntt/prime_by_prime.h"
@@ -35,17 +35,17 @@ void addTwoLimbsCyclic(Limb* x, std::size_t length, Limb y0, Limb y1) {
     }
 }
 
-// a trimmed at the top, reduced into `folded` when longer than N.
+// a trimmed at the top; when longer than N, reduced into N limbs taken from `frame`.
 template <class R>
-std::pair<const Limb*, std::size_t> operandOf(std::vector<Limb>& folded, std::size_t length, const Limb* a,
+std::pair<const Limb*, std::size_t> operandOf(LimbScratch::Frame& frame, std::size_t length, const Limb* a,
                                               std::size_t an) {
     while (an > 0 && a[an - 1] == 0) --an;
     if (an <= length) return {a, an};
-    folded.resize(length);
-    reduceCyclic<R>(folded.data(), length, a, an);
+    Limb* folded = frame.take(length);
+    reduceCyclic<R>(folded, length, a, an);
     std::size_t n = length;
     while (n > 0 && folded[n - 1] == 0) --n;
-    return {folded.data(), n};
+    return {folded, n};
 }
 
 // out[0..N) := x[0..xn) * y mod (radix^N - 1), reduced, y of yn limbs (both
@@ -55,18 +55,25 @@ std::pair<const Limb*, std::size_t> operandOf(std::vector<Limb>& folded, std::si
 // (crt_constants.h).  Their value is below N radix^(N+1) < radix^(N+2), so
 // two limbs spill over the top and wrap round.
 template <class R, class ConvolveOnPrime>
-void convolveCyclic(Limb* out, std::size_t length, std::size_t xn, std::size_t yn, std::size_t extraWords,
-                    ConvolveOnPrime convolveOnPrime) {
+void convolveCyclic(LimbScratch& scratch, Limb* out, std::size_t length, std::size_t xn, std::size_t yn,
+                    std::size_t extraWords, ConvolveOnPrime convolveOnPrime) {
     const std::size_t count = std::min(length, xn + yn - 1);
-    std::vector<Limb> sums(length + 2, 0);
-    ntt::primeByPrime<R>(sums.data(), length + 2, count, length, extraWords, convolveOnPrime);
+    LimbScratch::Frame frame(scratch);
+    Limb* sums = frame.take(length + 2);
+    std::fill(sums, sums + length + 2, 0);
+    ntt::primeByPrime<R>(scratch, sums, length + 2, count, length, extraWords, convolveOnPrime);
     if (terminateRequested()) return;
-    addTwoLimbsCyclic<R>(sums.data(), length, sums[length], sums[length + 1]);
-    reduceAllMaximal<R>(sums.data(), length);
-    std::copy(sums.begin(), sums.begin() + length, out);
+    addTwoLimbsCyclic<R>(sums, length, sums[length], sums[length + 1]);
+    reduceAllMaximal<R>(sums, length);
+    std::copy(sums, sums + length, out);
 }
 
 }  // namespace
+
+std::size_t cyclicScratchLimbs(std::size_t length) {
+    // Both operands folded, the sums, and primeByPrime with room for one transform.
+    return 3 * length + 2 + ntt::primeByPrimeScratchLimbs(length, length) + 3 * LimbScratch::kAlignedTakeSlack;
+}
 
 bool cyclicFits(std::size_t minimum) { return minimum <= kTransformMaxLength; }
 
@@ -101,14 +108,18 @@ void reduceCyclic(Limb* out, std::size_t length, const Limb* a, std::size_t an) 
 }
 
 template <class R>
-void cyclicMultiply(Limb* out, std::size_t length, const Limb* a, std::size_t an, const Limb* b, std::size_t bn) {
+void cyclicMultiply(Limb* out, std::size_t length, const Limb* a, std::size_t an, const Limb* b, std::size_t bn,
+                    LimbScratch& scratch) {
     assert(spansDisjoint(out, length, a, an) && spansDisjoint(out, length, b, bn));
     using namespace ntt;
     assert(length >= 4 && length <= kTransformMaxLength && roundTransformLength(length) == length);
     if (terminateRequested()) return;
-    std::vector<Limb> foldedA, foldedB;
-    auto [x, xn] = operandOf<R>(foldedA, length, a, an);
-    auto [y, yn] = operandOf<R>(foldedB, length, b, bn);
+    LimbScratch::Frame frame(scratch);
+    // Plain variables, not structured bindings: the lambda below captures them.
+    const Limb *x, *y;
+    std::size_t xn, yn;
+    std::tie(x, xn) = operandOf<R>(frame, length, a, an);
+    std::tie(y, yn) = operandOf<R>(frame, length, b, bn);
     if (xn == 0 || yn == 0) {
         std::fill(out, out + length, 0);
         return;
@@ -117,10 +128,10 @@ void cyclicMultiply(Limb* out, std::size_t length, const Limb* a, std::size_t an
         std::swap(x, y);
         std::swap(xn, yn);
     }
-    convolveCyclic<R>(out, length, xn, yn, length,
-                      [&](const TransformKernels& kernels, const TransformPlan& plan, Limb* r, Limb* scratch) {
-                          kernels.forward(scratch, y, yn, plan);
-                          if (!terminateRequested()) kernels.convolve(r, x, xn, scratch, plan);
+    convolveCyclic<R>(scratch, out, length, xn, yn, length,
+                      [&](const TransformKernels& kernels, const TransformPlan& plan, Limb* r, Limb* extra) {
+                          kernels.forward(extra, y, yn, plan);
+                          if (!terminateRequested()) kernels.convolve(r, x, xn, extra, plan);
                       });
 }
 
@@ -129,17 +140,19 @@ void CyclicFactor::prepare(std::size_t length, const Limb* b, std::size_t bn) {
     using namespace ntt;
     assert(length >= 4 && length <= kTransformMaxLength && roundTransformLength(length) == length);
     clear();
-    std::vector<Limb> folded;
-    auto [y, yn] = operandOf<R>(folded, length, b, bn);
     const TransformKernels& kernels = transformKernels(length);
     const std::size_t m = transformBlockLength(length);
-    // Each prime's transform starts on a cache line, as the kernels' own buffers do.
+    // The folded operand and the root table are temporaries; the transforms are kept.
+    LimbScratch scratch(length + topRootWords(m) + 2 * LimbScratch::kAlignedTakeSlack);
+    LimbScratch::Frame frame(scratch);
+    auto [y, yn] = operandOf<R>(frame, length, b, bn);
+    Limb* top = frame.takeAligned(topRootWords(m));
+    // Each prime's transform starts on a cache line, as the scratch buffers do.
     const std::size_t stride = (length + 15) / 16 * 16;
     AlignedWords transforms = allocateWords(kPrimes * stride);
-    AlignedWords top = allocateWords(topRootWords(m));
     for (std::size_t k = 0; k < kPrimes && yn > 0; ++k) {
         if (terminateRequested()) return;
-        const TransformPlan plan = makePlan(k, length, buildTopRootTable(kernels, k, m, top.get()));
+        const TransformPlan plan = makePlan(k, length, buildTopRootTable(kernels, k, m, top));
         kernels.forward(transforms.get() + k * stride, y, yn, plan);
     }
     if (terminateRequested()) return;
@@ -161,20 +174,35 @@ void CyclicFactor::clear() {
 }
 
 template <class R>
-void cyclicMultiplyBy(Limb* out, std::size_t length, const Limb* a, std::size_t an, const CyclicFactor& b) {
+void cyclicMultiplyBy(Limb* out, std::size_t length, const Limb* a, std::size_t an, const CyclicFactor& b,
+                      LimbScratch& scratch) {
     using namespace ntt;
     assert(b.readyFor(length));
     if (terminateRequested()) return;
-    std::vector<Limb> foldedA;
-    auto [x, xn] = operandOf<R>(foldedA, length, a, an);
+    LimbScratch::Frame frame(scratch);
+    const Limb* x;
+    std::size_t xn;
+    std::tie(x, xn) = operandOf<R>(frame, length, a, an);
     if (xn == 0 || b.limbs_ == 0) {
         std::fill(out, out + length, 0);
         return;
     }
-    convolveCyclic<R>(out, length, xn, b.limbs_, 0,
+    convolveCyclic<R>(scratch, out, length, xn, b.limbs_, 0,
                       [&](const TransformKernels& kernels, const TransformPlan& plan, Limb* r, Limb*) {
                           kernels.convolve(r, x, xn, b.transforms_.get() + plan.primeIndex * b.stride_, plan);
                       });
+}
+
+template <class R>
+void cyclicMultiply(Limb* out, std::size_t length, const Limb* a, std::size_t an, const Limb* b, std::size_t bn) {
+    LimbScratch scratch(cyclicScratchLimbs(length));
+    cyclicMultiply<R>(out, length, a, an, b, bn, scratch);
+}
+
+template <class R>
+void cyclicMultiplyBy(Limb* out, std::size_t length, const Limb* a, std::size_t an, const CyclicFactor& b) {
+    LimbScratch scratch(cyclicScratchLimbs(length));
+    cyclicMultiplyBy<R>(out, length, a, an, b, scratch);
 }
 
 template void CyclicFactor::prepare<DecimalRadix>(std::size_t, const Limb*, std::size_t);
@@ -185,5 +213,13 @@ template void reduceCyclic<DecimalRadix>(Limb*, std::size_t, const Limb*, std::s
 template void reduceCyclic<BinaryRadix>(Limb*, std::size_t, const Limb*, std::size_t);
 template void cyclicMultiply<DecimalRadix>(Limb*, std::size_t, const Limb*, std::size_t, const Limb*, std::size_t);
 template void cyclicMultiply<BinaryRadix>(Limb*, std::size_t, const Limb*, std::size_t, const Limb*, std::size_t);
+template void cyclicMultiplyBy<DecimalRadix>(Limb*, std::size_t, const Limb*, std::size_t, const CyclicFactor&,
+                                             LimbScratch&);
+template void cyclicMultiplyBy<BinaryRadix>(Limb*, std::size_t, const Limb*, std::size_t, const CyclicFactor&,
+                                            LimbScratch&);
+template void cyclicMultiply<DecimalRadix>(Limb*, std::size_t, const Limb*, std::size_t, const Limb*, std::size_t,
+                                           LimbScratch&);
+template void cyclicMultiply<BinaryRadix>(Limb*, std::size_t, const Limb*, std::size_t, const Limb*, std::size_t,
+                                          LimbScratch&);
 
 }  // namespace tw::arith

@@ -16,6 +16,7 @@
 
 #include <cstddef>
 
+#include "arith/kernels/mul_scratch.h"
 #include "arith/kernels/ntt/aligned_words.h"
 #include "frame/radix.h"
 
@@ -40,12 +41,20 @@ std::size_t cyclicLength(std::size_t minimum);
 template <class R>
 void reduceCyclic(Limb* out, std::size_t length, const Limb* a, std::size_t an);
 
+// The scratch a cyclic product of modulus length N takes, by either operand
+// or a CyclicFactor (a size for the first block of its LimbScratch).
+std::size_t cyclicScratchLimbs(std::size_t length);
+
 // out[0..N) := a[0..an) * b[0..bn) mod (radix^N - 1), reduced, for
 // N = cyclicLength(...) of some minimum.  Operands of any length: zero limbs
 // at the top are dropped and an operand longer than N is reduced first.  out
-// overlaps neither operand.  The cost is that of one transform product of
-// length N: three transforms a prime.  When the terminate flag is raised it
-// returns early with out unspecified.  May throw std::bad_alloc.
+// overlaps neither operand.  Temporaries are frames of `scratch`; the form
+// without it takes an arena of its own.  The cost is that of one transform
+// product of length N: three transforms a prime.  When the terminate flag is
+// raised it returns early with out unspecified.  May throw std::bad_alloc.
+template <class R>
+void cyclicMultiply(Limb* out, std::size_t length, const Limb* a, std::size_t an, const Limb* b, std::size_t bn,
+                    LimbScratch& scratch);
 template <class R>
 void cyclicMultiply(Limb* out, std::size_t length, const Limb* a, std::size_t an, const Limb* b, std::size_t bn);
 
@@ -71,7 +80,7 @@ public:
 private:
     template <class R>
     friend void cyclicMultiplyBy(Limb* out, std::size_t length, const Limb* a, std::size_t an,
-                                 const CyclicFactor& b);
+                                 const CyclicFactor& b, LimbScratch& scratch);
     static constexpr std::size_t kPrimes = 3;
 
     std::size_t length_ = 0;
@@ -83,6 +92,9 @@ private:
 
 // out[0..N) := a[0..an) * b mod (radix^N - 1), reduced, for the length N b
 // was made for (b.readyFor(N)).  Otherwise the contract of cyclicMultiply.
+template <class R>
+void cyclicMultiplyBy(Limb* out, std::size_t length, const Limb* a, std::size_t an, const CyclicFactor& b,
+                      LimbScratch& scratch);
 template <class R>
 void cyclicMultiplyBy(Limb* out, std::size_t length, const Limb* a, std::size_t an, const CyclicFactor& b);
 

@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "arith/kernels/ntt/aligned_words.h"
+#include "arith/kernels/mul_scratch.h"
 #include "arith/kernels/ntt/crt.h"
 #include "arith/kernels/ntt/roots.h"
 #include "arith/kernels/ntt/roots_of_unity.h"
@@ -28,26 +28,34 @@ inline GarnerConstants garnerForLength(std::size_t length) {
     return garnerConstants(inverseFactor);
 }
 
+// The scratch primeByPrime takes for a convolution of the given length: two
+// residue vectors, `extraWords` and the root table of the long levels, each on
+// a cache line.
+inline std::size_t primeByPrimeScratchLimbs(std::size_t length, std::size_t extraWords) {
+    return 2 * length + extraWords + topRootWords(transformBlockLength(length)) +
+           4 * LimbScratch::kAlignedTakeSlack;
+}
+
 // One convolution of the given length covers the whole result: the primes
 // are done one after another, so besides `extraWords` of scratch only two
 // residue vectors live (the second and third primes'; the first is parked in
-// out).  convolveOnPrime(kernels, plan, r, scratch) leaves the prime's
+// out).  convolveOnPrime(kernels, plan, r, extra) leaves the prime's
 // residues in r[0..length).  The result (count convolution sums) lands in
-// out[0 .. count + 1); out[count + 1 .. room) must be zero.
+// out[0 .. count + 1); out[count + 1 .. room) must be zero.  The buffers are
+// frames of `scratch` (primeByPrimeScratchLimbs).
 template <class R, class ConvolveOnPrime>
-void primeByPrime(Limb* out, std::size_t room, std::size_t count, std::size_t length, std::size_t extraWords,
-                  ConvolveOnPrime convolveOnPrime) {
+void primeByPrime(LimbScratch& scratch, Limb* out, std::size_t room, std::size_t count, std::size_t length,
+                  std::size_t extraWords, ConvolveOnPrime convolveOnPrime) {
     const TransformKernels& kernels = transformKernels(length);
     const std::size_t m = transformBlockLength(length);
-    // One allocation, so that repeated products reuse the same heap block.
-    AlignedWords words = allocateWords(2 * length + extraWords + topRootWords(m));
-    Limb* r1 = words.get();
-    Limb* r2 = r1 + length;
-    Limb* scratch = r2 + length;
-    Limb* topWords = scratch + extraWords;
+    LimbScratch::Frame frame(scratch);
+    Limb* r1 = frame.takeAligned(length);
+    Limb* r2 = frame.takeAligned(length);
+    Limb* extra = frame.takeAligned(extraWords);
+    Limb* topWords = frame.takeAligned(topRootWords(m));
     for (std::size_t k = 0; k < kPrimeCount; ++k) {
         Limb* r = k == 2 ? r2 : r1;
-        convolveOnPrime(kernels, makePlan(k, length, buildTopRootTable(kernels, k, m, topWords)), r, scratch);
+        convolveOnPrime(kernels, makePlan(k, length, buildTopRootTable(kernels, k, m, topWords)), r, extra);
         if (terminateRequested()) return;
         if (k == 0) std::copy(r, r + count, out);
     }

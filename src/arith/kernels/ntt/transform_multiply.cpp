@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "arith/kernels/add_sub.h"
-#include "arith/kernels/ntt/aligned_words.h"
 #include "arith/kernels/ntt/crt.h"
 #include "arith/kernels/ntt/prime_by_prime.h"
 #include "arith/kernels/ntt/roots.h"
@@ -71,22 +70,42 @@ std::size_t chunkTransformLength(std::size_t length, std::size_t needed) {
     return length;
 }
 
+// The transform length of a product of trimmed factors of l >= s >= 2 limbs,
+// and whether the longer one goes in chunks (productInChunks) because the
+// length cannot hold the whole product.
+struct ProductShape {
+    std::size_t length;
+    bool inChunks;
+};
+
+ProductShape productShape(std::size_t l, std::size_t s) {
+    std::size_t length = 2 * nextPowerOfTwo(s);
+    if (l + s <= kTransformMaxLength && l < 2 * (length - s)) length = l + s;
+    length = roundTransformLength(length);
+    return {length, length - s < l};
+}
+
+// The scratch of productInChunks: per prime, two residue vectors and a root table.
+std::size_t chunkScratchLimbs(std::size_t length) {
+    return kPrimeCount * (2 * length + topRootWords(transformBlockLength(length)) + 3 * LimbScratch::kAlignedTakeSlack);
+}
+
 // The longer factor in chunks of (length - len(S)) limbs, each convolved with
 // the transforms of S (kept for all three primes) and added in at its offset.
 // out[0 .. room) is zero on entry; six residue vectors live at a time.
 template <class R>
-void productInChunks(Limb* out, std::size_t room, const Span& longer, const Span& shorter, std::size_t length) {
+void productInChunks(Limb* out, std::size_t room, const Span& longer, const Span& shorter, std::size_t length,
+                     LimbScratch& scratch) {
     const TransformKernels& kernels = transformKernels(length);
     const std::size_t chunk = length - shorter.length;
-    const std::size_t m = transformBlockLength(length), topWords = topRootWords(m);
-    AlignedWords words = allocateWords(kPrimeCount * (2 * length + topWords));
+    const std::size_t m = transformBlockLength(length);
+    LimbScratch::Frame frame(scratch);
     Limb *transformOfS[kPrimeCount], *work[kPrimeCount];
     TopRootTable top[kPrimeCount];
     for (std::size_t k = 0; k < kPrimeCount; ++k) {
-        Limb* at = words.get() + k * (2 * length + topWords);
-        transformOfS[k] = at;
-        work[k] = at + length;
-        top[k] = buildTopRootTable(kernels, k, m, at + 2 * length);
+        transformOfS[k] = frame.takeAligned(length);
+        work[k] = frame.takeAligned(length);
+        top[k] = buildTopRootTable(kernels, k, m, frame.takeAligned(topRootWords(m)));
         kernels.forward(transformOfS[k], shorter.limbs, shorter.length, makePlan(k, length, top[k]));
         if (terminateRequested()) return;
     }
@@ -118,8 +137,17 @@ bool transformFits(std::size_t shorterLength) {
            2 * ntt::nextPowerOfTwo(shorterLength) <= kTransformMaxLength;
 }
 
+std::size_t transformScratchLimbs(std::size_t an, std::size_t bn) {
+    using namespace ntt;
+    const std::size_t l = std::max(an, bn), s = std::min(an, bn);
+    if (s <= 1) return 0;
+    const ProductShape shape = productShape(l, s);
+    if (shape.inChunks) return chunkScratchLimbs(shape.length);
+    return primeByPrimeScratchLimbs(shape.length, shape.length);
+}
+
 template <class R>
-void transformMultiply(Limb* out, const Limb* a, std::size_t an, const Limb* b, std::size_t bn) {
+void transformMultiply(Limb* out, const Limb* a, std::size_t an, const Limb* b, std::size_t bn, LimbScratch& scratch) {
     assert(spansDisjoint(out, an + bn, a, an) && spansDisjoint(out, an + bn, b, bn));
     using namespace ntt;
     const std::size_t total = an + bn;
@@ -141,44 +169,59 @@ void transformMultiply(Limb* out, const Limb* a, std::size_t an, const Limb* b, 
     }
 
     const std::size_t s = shorter.length;
-    std::size_t length = 2 * nextPowerOfTwo(s);
-    if (longer.length + s <= kTransformMaxLength && longer.length < 2 * (length - s)) length = longer.length + s;
-    length = roundTransformLength(length);
-    if (length - s < longer.length) {
+    const ProductShape shape = productShape(longer.length, s);
+    if (shape.inChunks) {
         std::fill(at, at + longer.length + s, 0);  // the chunks add into it
-        productInChunks<R>(at, room, longer, shorter, length);
+        productInChunks<R>(at, room, longer, shorter, shape.length, scratch);
         return;
     }
-    // The scratch holds the transform of S.
-    primeByPrime<R>(at, room, longer.length + s - 1, length, length,
-                    [&](const TransformKernels& kernels, const TransformPlan& plan, Limb* r, Limb* scratch) {
-                        kernels.forward(scratch, shorter.limbs, shorter.length, plan);
-                        if (!terminateRequested()) kernels.convolve(r, longer.limbs, longer.length, scratch, plan);
+    // The extra words hold the transform of S.
+    primeByPrime<R>(scratch, at, room, longer.length + s - 1, shape.length, shape.length,
+                    [&](const TransformKernels& kernels, const TransformPlan& plan, Limb* r, Limb* extra) {
+                        kernels.forward(extra, shorter.limbs, shorter.length, plan);
+                        if (!terminateRequested()) kernels.convolve(r, longer.limbs, longer.length, extra, plan);
                     });
 }
 
 template <class R>
-void transformSquare(Limb* out, const Limb* a, std::size_t n) {
+void transformSquare(Limb* out, const Limb* a, std::size_t n, LimbScratch& scratch) {
     assert(spansDisjoint(out, 2 * n, a, n));
     using namespace ntt;
     const Span x = trimmed(a, n);
     const std::size_t length = roundTransformLength(2 * x.length);
     if (x.length <= 1 || length > kTransformMaxLength) {
-        transformMultiply<R>(out, a, n, a, n);
+        transformMultiply<R>(out, a, n, a, n, scratch);
         return;
     }
     Limb* at = out + 2 * x.offset;
     std::fill(out, at, 0);
     std::fill(at + 2 * x.length, out + 2 * n, 0);
-    primeByPrime<R>(at, 2 * (n - x.offset), 2 * x.length - 1, length, 0,
+    primeByPrime<R>(scratch, at, 2 * (n - x.offset), 2 * x.length - 1, length, 0,
                     [&](const TransformKernels& kernels, const TransformPlan& plan, Limb* r, Limb*) {
                         kernels.squareConvolve(r, x.limbs, x.length, plan);
                     });
+}
+
+template <class R>
+void transformMultiply(Limb* out, const Limb* a, std::size_t an, const Limb* b, std::size_t bn) {
+    LimbScratch scratch(transformScratchLimbs(ntt::trimmed(a, an).length, ntt::trimmed(b, bn).length));
+    transformMultiply<R>(out, a, an, b, bn, scratch);
+}
+
+template <class R>
+void transformSquare(Limb* out, const Limb* a, std::size_t n) {
+    const std::size_t trimmedLength = ntt::trimmed(a, n).length;
+    LimbScratch scratch(transformScratchLimbs(trimmedLength, trimmedLength));
+    transformSquare<R>(out, a, n, scratch);
 }
 
 template void transformMultiply<DecimalRadix>(Limb*, const Limb*, std::size_t, const Limb*, std::size_t);
 template void transformMultiply<BinaryRadix>(Limb*, const Limb*, std::size_t, const Limb*, std::size_t);
 template void transformSquare<DecimalRadix>(Limb*, const Limb*, std::size_t);
 template void transformSquare<BinaryRadix>(Limb*, const Limb*, std::size_t);
+template void transformMultiply<DecimalRadix>(Limb*, const Limb*, std::size_t, const Limb*, std::size_t, LimbScratch&);
+template void transformMultiply<BinaryRadix>(Limb*, const Limb*, std::size_t, const Limb*, std::size_t, LimbScratch&);
+template void transformSquare<DecimalRadix>(Limb*, const Limb*, std::size_t, LimbScratch&);
+template void transformSquare<BinaryRadix>(Limb*, const Limb*, std::size_t, LimbScratch&);
 
 }  // namespace tw::arith

@@ -11,6 +11,7 @@
 
 #include <cstddef>
 
+#include "arith/kernels/mul_scratch.h"
 #include "frame/radix.h"
 
 namespace tw::arith {
@@ -20,15 +21,29 @@ namespace tw::arith {
 // must not exceed kTransformMaxLength.
 bool transformFits(std::size_t shorterLength);
 
+// The scratch transformMultiply takes for operands of an and bn limbs without
+// zero limbs at either end (a size for the first block of its LimbScratch;
+// the arena grows should it fall short): the residue vectors and root tables
+// of the chosen transform length.  transformScratchLimbs(n, n) covers
+// transformSquare of n limbs.
+std::size_t transformScratchLimbs(std::size_t an, std::size_t bn);
+
 // out[0 .. an+bn) := a[0..an) * b[0..bn); an >= bn >= 1, transformFits(bn); out
-// overlaps neither operand.  When the terminate flag is raised it returns early
-// with out unspecified (the caller zeroes it).  May throw std::bad_alloc.
+// overlaps neither operand.  Temporaries are frames of `scratch`.  When the
+// terminate flag is raised it returns early with out unspecified (the caller
+// zeroes it).  May throw std::bad_alloc.
 template <class R>
-void transformMultiply(Limb* out, const Limb* a, std::size_t an, const Limb* b, std::size_t bn);
+void transformMultiply(Limb* out, const Limb* a, std::size_t an, const Limb* b, std::size_t bn, LimbScratch& scratch);
 
 // out[0 .. 2n) := a[0..n)^2 with one forward transform and a pointwise square
-// per prime; n >= 1, transformFits(n), out does not overlap a.  Terminate flag
-// and allocation as transformMultiply.
+// per prime; n >= 1, transformFits(n), out does not overlap a.  Scratch,
+// terminate flag and allocation as transformMultiply.
+template <class R>
+void transformSquare(Limb* out, const Limb* a, std::size_t n, LimbScratch& scratch);
+
+// The same with an arena of their own, sized by transformScratchLimbs.
+template <class R>
+void transformMultiply(Limb* out, const Limb* a, std::size_t an, const Limb* b, std::size_t bn);
 template <class R>
 void transformSquare(Limb* out, const Limb* a, std::size_t n);
 
