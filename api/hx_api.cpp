@@ -9,6 +9,7 @@
 #include "api/integer_numtheory.inc"
 #include "api/integer_modular.inc"
 #include "api/integer_roots.inc"
+#include "api/integer_combinatorics.inc"
 #include "binary/number_conversion.h"
 
 extern "C" {

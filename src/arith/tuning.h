@@ -93,6 +93,18 @@ inline constexpr std::size_t kMinBlockQuotientLimbs = 32;
 // second block.  From here on the single block is as fast or faster.
 inline constexpr std::size_t kHalfReciprocalMaxQuotientLimbs = 4096;
 
+// ---- products of many factors (numtheory/list_products.h, factorials.h) ----
+
+// Words a leaf of the word product tree multiplies into its running product
+// one by one; longer lists split in halves.  (To be measured.)
+inline constexpr std::size_t kWordProductLeaf = 32;
+
+// A binomial coefficient C(n, k) or an arrangement count n! / (n - k)! with
+// k below n / kDirectProductShare is the product of the k words n - k + 1 .. n
+// (divided by k! for the binomial) instead of a product of prime powers,
+// which must sieve and weigh every prime up to n.  (To be measured.)
+inline constexpr std::uint32_t kDirectProductShare = 64;
+
 static_assert(1 < kMulBasecaseMax && kMulBasecaseMax < kMulKaratsubaMax && kMulKaratsubaMax < kMulTransformMin);
 static_assert(1 < kSqrBasecaseMax && kSqrBasecaseMax < kSqrKaratsubaMax && kSqrKaratsubaMax < kSqrTransformMin);
 static_assert(kTransformMaxLength < kTransformToomLength);
