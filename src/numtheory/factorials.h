@@ -50,13 +50,18 @@ void setPrimePowerProduct(SignedNumber<R>& x, std::uint32_t high, Exponent expon
             for (; e != 0; e &= e - 1) byBit[std::countr_zero(e)].push_back(p);
         }
     });
-    SignedNumber<R> factor;
+    // Squares and products go to a target distinct from their operands, so
+    // the two long numbers keep their storage from bit to bit.
+    SignedNumber<R> square, factor;
     for (int i = topBit; i >= 0 && !terminateRequested(); --i) {
-        arith::multiplyInto(result, result, result);
-        if (byBit[i].empty()) continue;
+        arith::multiplyInto(square, result, result);
+        if (byBit[i].empty()) {
+            result.swap(square);
+            continue;
+        }
         setProductOfWords(factor, byBit[i].data(), byBit[i].size());
         std::vector<std::uint32_t>().swap(byBit[i]);
-        arith::multiplyInto(result, result, factor);
+        arith::multiplyInto(result, square, factor);
     }
     if constexpr (R::isBinary)
         arith::shiftLimbsLeftBits(result.rec(), shift / R::bitsPerLimb, unsigned(shift % R::bitsPerLimb));

@@ -14,9 +14,12 @@
 #include "arith/kernels/fast_product.h"
 #include "arith/kernels/mul_scratch.h"
 #include "arith/numbers/magnitude.h"
+#include "arith/numbers/power.h"
+#include "arith/numbers/signed_add.h"
 #include "arith/numbers/signed_mul.h"
 #include "arith/tuning.h"
 #include "frame/error_state.h"
+#include "frame/machine_int.h"
 #include "frame/signed_number.h"
 
 namespace tw::numtheory {
