@@ -39,15 +39,22 @@ std::size_t multiplyLimbsByWord(Limb* p, std::size_t n, std::uint32_t m) {
     return n;
 }
 
-// Limbs that always hold the product of n words: a word is below radix^2
-// in both radices.  The bound adds up over the halves of a tree.
-constexpr std::size_t wordProductBound(std::size_t n) { return 2 * n + 1; }
+// Limbs for the product of words of `bits` bits in all: a value below
+// 2^bits has at most bits / 28 + 1 limbs of 2^28 and bits / 29 + 1 of 10^9
+// (above 2^29), and the buffer of a product takes its two factors' lengths,
+// which may add up to one limb more.
+template <class R>
+constexpr std::size_t wordProductBound(std::uint64_t bits) {
+    return std::size_t(bits / (R::isBinary ? 28 : 29)) + 2;
+}
 
-// out[0 .. wordProductBound(n)) := w[0] * ... * w[n-1] for non-zero words;
+// out[0 .. wordProductBound(bits of the words)) := w[0] * ... * w[n-1]
+// for non-zero words, with bitsBefore[i] the bits of the words before w[i];
 // returns the product's length (its top limb non-zero).  A raised terminate
 // flag stops the work and leaves the limbs unspecified.
 template <class R>
-std::size_t productOfWordsInto(Limb* out, const std::uint32_t* w, std::size_t n, arith::LimbScratch& scratch) {
+std::size_t productOfWordsInto(Limb* out, const std::uint32_t* w, const std::uint64_t* bitsBefore, std::size_t n,
+                               arith::LimbScratch& scratch) {
     if (n <= arith::kWordProductLeaf) {
         out[0] = 1;
         std::size_t length = 1;
@@ -65,10 +72,10 @@ std::size_t productOfWordsInto(Limb* out, const std::uint32_t* w, std::size_t n,
     if (terminateRequested()) return 1;
     const std::size_t half = n / 2;
     arith::LimbScratch::Frame frame(scratch);
-    Limb* a = frame.take(wordProductBound(half));
-    Limb* b = frame.take(wordProductBound(n - half));
-    const std::size_t an = productOfWordsInto<R>(a, w, half, scratch);
-    const std::size_t bn = productOfWordsInto<R>(b, w + half, n - half, scratch);
+    Limb* a = frame.take(wordProductBound<R>(bitsBefore[half] - bitsBefore[0]));
+    Limb* b = frame.take(wordProductBound<R>(bitsBefore[n] - bitsBefore[half]));
+    const std::size_t an = productOfWordsInto<R>(a, w, bitsBefore, half, scratch);
+    const std::size_t bn = productOfWordsInto<R>(b, w + half, bitsBefore + half, n - half, scratch);
     if (terminateRequested()) return 1;
     arith::multiplyFast<R>(out, a, an, b, bn);
     std::size_t length = an + bn;
@@ -84,13 +91,16 @@ void setProductOfWords(SignedNumber<R>& x, const std::uint32_t* w, std::size_t n
         x.setZero();
         return;
     }
+    std::vector<std::uint64_t> bitsBefore(n + 1, 0);
+    for (std::size_t i = 0; i < n; ++i) bitsBefore[i + 1] = bitsBefore[i] + bitLength32(w[i]);
+    const std::size_t bound = wordProductBound<R>(bitsBefore[n]);
     NumberRecord out;
-    if (!arith::prepareResult(out, wordProductBound(n))) {
+    if (!arith::prepareResult(out, bound)) {
         x.setZero();
         return;
     }
-    arith::LimbScratch scratch(2 * wordProductBound(n));
-    const std::size_t length = productOfWordsInto<R>(out.digits, w, n, scratch);
+    arith::LimbScratch scratch(2 * bound);
+    const std::size_t length = productOfWordsInto<R>(out.digits, w, bitsBefore.data(), n, scratch);
     if (terminateRequested()) {
         x.setZero();
         return;
