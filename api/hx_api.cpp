@@ -10,6 +10,7 @@
 #include "api/integer_modular.inc"
 #include "api/integer_roots.inc"
 #include "api/integer_primes.inc"
+#include "api/integer_combinatorics.inc"
 #include "binary/number_conversion.h"
 
 extern "C" {

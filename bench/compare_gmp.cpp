@@ -13,6 +13,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "bench_harness.h"
 
@@ -308,6 +309,52 @@ void runPowModCases(const Options& options) {
     }
 }
 
+// Numbers defined by an index n (factorials, sequences) against GMP's
+// function of the same n; the decimal factorial counts its text too, since
+// it is built in the radix that prints without conversion.
+struct IndexCase {
+    const char* name;
+    std::vector<std::uint32_t> n;
+    void (*ours)(HI_handle hi, HX_handle hx, std::uint32_t n);
+    void (*gmp)(mpz_ptr g, std::uint32_t n);
+};
+const IndexCase kIndexCases[] = {
+    {"HX_factorial", {100000, 1000000, 10000000}, [](HI_handle, HX_handle x, std::uint32_t n) { HX_factorial(x, n); },
+     [](mpz_ptr g, std::uint32_t n) { mpz_fac_ui(g, n); }},
+    {"HI_factorial + HI_getStrA", {1000000, 10000000},
+     [](HI_handle x, HX_handle, std::uint32_t n) { HI_getStrA(HI_factorial(x, n), 0, nullptr); },
+     [](mpz_ptr g, std::uint32_t n) {
+         mpz_fac_ui(g, n);
+         std::free(mpz_get_str(nullptr, 10, g));
+     }},
+    {"HI_fibonacci", {1000000, 10000000}, [](HI_handle x, HX_handle, std::uint32_t n) { HI_fibonacci(x, int32_t(n)); },
+     [](mpz_ptr g, std::uint32_t n) { mpz_fib_ui(g, n); }},
+    {"HX_fibonacci", {1000000, 10000000}, [](HI_handle, HX_handle x, std::uint32_t n) { HX_fibonacci(x, int32_t(n)); },
+     [](mpz_ptr g, std::uint32_t n) { mpz_fib_ui(g, n); }},
+    {"HX_primeFactorial", {10000000}, [](HI_handle, HX_handle x, std::uint32_t n) { HX_primeFactorial(x, n); },
+     [](mpz_ptr g, std::uint32_t n) { mpz_primorial_ui(g, n); }},
+    {"HX_combination(n, n/2)", {1000000}, [](HI_handle, HX_handle x, std::uint32_t n) { HX_combination(x, int32_t(n), int32_t(n / 2)); },
+     [](mpz_ptr g, std::uint32_t n) { mpz_bin_uiui(g, n, n / 2); }},
+};
+
+void runIndexCases(const Options& options) {
+    HI_handle hi = HI_new();
+    HX_handle hx = HX_new();
+    mpz_t g;
+    mpz_init(g);
+    for (const IndexCase& c : kIndexCases) {
+        if (!options.only.empty() && std::string(c.name).find(options.only) == std::string::npos) continue;
+        for (const std::uint32_t n : c.n) {
+            TW_setTerminate(0);
+            const Timing t = timeSideBySide([&] { c.ours(hi, hx, n); }, [&] { c.gmp(g, n); }, options.budget);
+            printRow({c.name, "n = " + powerOfTen(n), t});
+        }
+    }
+    mpz_clear(g);
+    HI_delete(hi);
+    HX_delete(hx);
+}
+
 }  // namespace
 
 // One product of two random DIGITS-digit numbers with one library only.
@@ -353,5 +400,6 @@ int main(int argc, char** argv) {
     }
     runPowModCases(options);
     runPrimeCases(options);
+    runIndexCases(options);
     return 0;
 }

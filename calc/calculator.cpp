@@ -32,6 +32,12 @@ std::uint32_t wordArgument(const Integer& v) {
     return std::uint32_t(v.to_uint64());
 }
 
+// The index argument of binomial, perm, fib and lucas.
+std::int32_t indexArgument(const Integer& v) {
+    if (v.bits() > 31) throw ArgumentError("the index must be between -2147483648 and 2147483647");
+    return std::int32_t(v.to_int64());
+}
+
 std::uint32_t degree(const Integer& v) {
     if (v.is_zero()) throw ArgumentError("the degree must be 1 or more");
     return wordArgument(v);
@@ -65,6 +71,19 @@ const std::map<std::string, Function>& functionTable() {
                    "x kept to n leading digits, rounded toward zero"}},
         {"ceil", {2, 2, [](Args a) { return ceil(a[0], wordArgument(a[1])); }, "ceil(x, n)",
                   "x kept to n leading digits, rounded up"}},
+        {"fact", {1, 1, [](Args a) { return Integer::factorial(wordArgument(a[0])); }, "fact(n)", "n!, also written n!"}},
+        {"fact2", {1, 1, [](Args a) { return Integer::factorial2(wordArgument(a[0])); }, "fact2(n)",
+                   "n!!, the product of the numbers up to n of n's parity"}},
+        {"primorial", {1, 1, [](Args a) { return Integer::primorial(wordArgument(a[0])); }, "primorial(n)",
+                       "the product of the primes up to n"}},
+        {"binomial", {2, 2, [](Args a) { return Integer::binomial(indexArgument(a[0]), indexArgument(a[1])); },
+                      "binomial(n, k)", "n! / (k! (n-k)!), 0 unless 0 <= k <= n"}},
+        {"perm", {2, 2, [](Args a) { return Integer::permutation(indexArgument(a[0]), indexArgument(a[1])); },
+                  "perm(n, k)", "n! / (n-k)!, 0 unless 0 <= k <= n"}},
+        {"fib", {1, 1, [](Args a) { return Integer::fibonacci(indexArgument(a[0])); }, "fib(n)",
+                 "the Fibonacci number F(n), n may be negative"}},
+        {"lucas", {1, 1, [](Args a) { return Integer::lucas(indexArgument(a[0])); }, "lucas(n)",
+                   "the Lucas number L(n), n may be negative"}},
     };
     return table;
 }
@@ -106,6 +125,7 @@ Integer Calculator::eval(const Node& node) {
         }
         case Node::Kind::Unary: {
             Integer v = eval(*node.operands[0]);
+            if (node.text == "!") return Integer::factorial(smallOperand(v, node, "the factorial's operand"));
             return node.text == "-" ? -v : v;
         }
         case Node::Kind::Binary:

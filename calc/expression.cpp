@@ -46,7 +46,7 @@ std::vector<Token> tokenize(const std::string& line) {
             std::string symbol(1, c);
             for (const char* two : twoCharSymbols)
                 if (line.compare(i, 2, two) == 0) symbol = two;
-            if (symbol.size() == 1 && std::string("+-*/%^()=,<>").find(c) == std::string::npos)
+            if (symbol.size() == 1 && std::string("+-*/%^()=,<>!").find(c) == std::string::npos)
                 throw SyntaxError(column, std::string("unexpected character '") + c + "'");
             tokens.push_back({Token::Kind::Symbol, symbol, column});
             i += symbol.size();
@@ -134,12 +134,22 @@ private:
     }
 
     NodePtr power() {
-        NodePtr base = primary();
+        NodePtr base = postfix();
         if (atSymbol({"^"})) {
             const Token op = next();
             return binary(op, std::move(base), unary());  // right-associative
         }
         return base;
+    }
+
+    NodePtr postfix() {
+        NodePtr operand = primary();
+        while (atSymbol({"!"})) {
+            auto n = std::make_unique<Node>(Node{Node::Kind::Unary, "!", next().column, {}});
+            n->operands.push_back(std::move(operand));
+            operand = std::move(n);
+        }
+        return operand;
     }
 
     NodePtr primary() {

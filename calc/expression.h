@@ -7,7 +7,8 @@
 //   sum        := product {("+" | "-") product}
 //   product    := unary {("*" | "/" | "%") unary}
 //   unary      := ("-" | "+") unary | power
-//   power      := primary ["^" unary]          (right-associative; -2^2 = -4)
+//   power      := postfix ["^" unary]          (right-associative; -2^2 = -4)
+//   postfix    := primary {"!"}                (factorial: 3!^2 = 36, -3! = -6; "n!=" is "n != ")
 //   primary    := number | name | name "(" [comparison {"," comparison}] ")" | "(" comparison ")"
 #pragma once
 

@@ -105,6 +105,14 @@ T checked(T value) {
         static constexpr auto invertMod = P##_invertMod;                                      \
         static constexpr auto rootRem = P##_rootRem;                                          \
         static constexpr auto log = P##_log;                                                  \
+        static constexpr auto factorial = P##_factorial;                                      \
+        static constexpr auto factorial2 = P##_factorial2;                                    \
+        static constexpr auto primorial = P##_primeFactorial;                                 \
+        static constexpr auto binomial = P##_combination;                                     \
+        static constexpr auto permutation = P##_permutation;                                  \
+        static constexpr auto fibonacci = P##_fibonacci;                                      \
+        static constexpr auto lucas = P##_lucas;                                              \
+        static constexpr auto productList = P##_product_v##S;                                 \
     }
 TARNWICK_FAMILY_TRAITS(DecimalTraits, HI, hi);
 TARNWICK_FAMILY_TRAITS(BinaryTraits, HX, hx);
@@ -307,6 +315,19 @@ public:
         x.run(Traits::ceil(x.h_, n));
         return x;
     }
+    // ---- numbers defined by an index: Integer::factorial(100), IntegerX::fibonacci(-5) ----
+    // n!, n!! (the numbers up to n of n's parity), the product of the primes
+    // up to n, C(n, k) and n! / (n - k)! (0 for k outside 0..n), F(n) and L(n)
+    // (negative n too); a list's product (1 for an empty one).
+    static BasicInteger factorial(std::uint32_t n) { return made(Traits::factorial, n); }
+    static BasicInteger factorial2(std::uint32_t n) { return made(Traits::factorial2, n); }
+    static BasicInteger primorial(std::uint32_t n) { return made(Traits::primorial, n); }
+    static BasicInteger binomial(std::int32_t n, std::int32_t k) { return made(Traits::binomial, n, k); }
+    static BasicInteger permutation(std::int32_t n, std::int32_t k) { return made(Traits::permutation, n, k); }
+    static BasicInteger fibonacci(std::int32_t n) { return made(Traits::fibonacci, n); }
+    static BasicInteger lucas(std::int32_t n) { return made(Traits::lucas, n); }
+    friend BasicInteger product(const std::vector<BasicInteger>& values) { return ofList(Traits::productList, values); }
+
     friend void swap(BasicInteger& a, BasicInteger& b) noexcept { std::swap(a.h_, b.h_); }
 
     // ---- comparison ----
@@ -335,6 +356,13 @@ private:
         for (const BasicInteger& v : values) handles.push_back(v.h_);
         BasicInteger r;
         r.run(f(r.h_, handles.data(), static_cast<std::uint32_t>(handles.size())));
+        return r;
+    }
+
+    template <class Function, class... Args>
+    static BasicInteger made(Function f, Args... args) {
+        BasicInteger r;
+        r.run(f(r.h_, args...));
         return r;
     }
 

@@ -100,6 +100,9 @@ TYPED_TEST(Cpp, NumberTheory) {
     EXPECT_EQ(gcd(std::vector<T>{a, b, T(6)}), T(6));
     EXPECT_TRUE(gcd(std::vector<T>{}) == T(0) && lcm(std::vector<T>{}) == T(1));
     EXPECT_EQ(lcm(std::vector<T>{T(4), T(-6), T(10)}), T(60));
+    EXPECT_EQ(T::factorial(25) / T::factorial2(25) / T::factorial2(24) + T::primorial(10) + T::lucas(-3), T(207));
+    EXPECT_EQ(T::binomial(60, 30) * T::permutation(9, 0) - T::fibonacci(-80) + product(std::vector<T>{T(-2), T(3)}),
+              T("118264581564861424") + T("23416728348467685") - 6);
     const T x(-1000003);  // 20 bits: floor, trunc and ceil keep 2 decimal digits or 18 bits
     const bool decimal = std::is_same_v<T, Integer>;
     const std::uint32_t n = decimal ? 2 : 18;
