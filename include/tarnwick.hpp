@@ -113,6 +113,11 @@ T checked(T value) {
         static constexpr auto fibonacci = P##_fibonacci;                                      \
         static constexpr auto lucas = P##_lucas;                                              \
         static constexpr auto productList = P##_product_v##S;                                 \
+        static constexpr auto isPrime = P##_isPrime;                                          \
+        static constexpr auto nextPrime = P##_nextPrime;                                      \
+        static constexpr auto previousPrime = P##_previousPrime;                              \
+        static constexpr auto generatePrime = P##_generatePrime;                              \
+        static constexpr auto random = P##_random;                                            \
     }
 TARNWICK_FAMILY_TRAITS(DecimalTraits, HI, hi);
 TARNWICK_FAMILY_TRAITS(BinaryTraits, HX, hx);
@@ -328,6 +333,26 @@ public:
     static BasicInteger lucas(std::int32_t n) { return made(Traits::lucas, n); }
     friend BasicInteger product(const std::vector<BasicInteger>& values) { return ofList(Traits::productList, values); }
 
+    // ---- primes ----
+    // isprime: exact below 10^16, Baillie-PSW above; nextprime and prevprime
+    // of |a| (2 below 2; prevprime is 0 when no prime lies below);
+    // Integer::genprime(n) a random prime of n decimal digits (IntegerX: n
+    // bits) and Integer::random(n) a random number below 10^n (2^n) from the
+    // library's generator (TW_seedRandom).
+    friend bool isprime(const BasicInteger& a) { return detail::checked(Traits::isPrime(a.h_)) != 0; }
+    friend BasicInteger nextprime(const BasicInteger& a) {
+        BasicInteger r;
+        r.run(Traits::nextPrime(r.h_, a.h_));
+        return r;
+    }
+    friend BasicInteger prevprime(const BasicInteger& a) {
+        BasicInteger r;
+        r.run(Traits::previousPrime(r.h_, a.h_));
+        return r;
+    }
+    static BasicInteger genprime(std::uint32_t size) { return made(Traits::generatePrime, size); }
+    static BasicInteger random(std::int32_t size) { return made(Traits::random, size); }
+
     friend void swap(BasicInteger& a, BasicInteger& b) noexcept { std::swap(a.h_, b.h_); }
 
     // ---- comparison ----
@@ -383,6 +408,11 @@ struct BasicInteger<Traits>::GcdExt {
 
 using Integer = BasicInteger<detail::DecimalTraits>;
 using IntegerX = BasicInteger<detail::BinaryTraits>;
+
+// pi(n), the number of primes up to n, and the k-th prime (0 past the last
+// 32-bit prime), for 32-bit values.
+inline std::uint32_t prime_pi(std::uint32_t n) { return TW_getPrimePi(n); }
+inline std::uint32_t nth_prime(std::uint32_t k) { return TW_getPrime(k); }
 
 template <>
 template <>

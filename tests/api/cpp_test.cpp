@@ -109,6 +109,8 @@ TYPED_TEST(Cpp, NumberTheory) {
     EXPECT_EQ(floor(x, n), decimal ? T(-1100000) : T(-1000004));
     EXPECT_EQ(trunc(x, n), T(-1000000));
     EXPECT_EQ(ceil(-x, n), decimal ? T(1100000) : T(1000004));
+    EXPECT_TRUE(isprime(nextprime(pow(T(10), 30))) && !isprime(T(561)) && prevprime(T(3)) == T(2));
+    EXPECT_TRUE(tarnwick::prime_pi(100) == 25 && tarnwick::nth_prime(25) == 97 && isprime(T::genprime(64)));
     EXPECT_THROW(powmod(T(3), T(2), T(0)), tarnwick::Error);
     EXPECT_THROW(ilog(T(0), T(10)), tarnwick::Error);
     EXPECT_EQ(TW_getLastError(), 0);  // a throw leaves the error state clear
