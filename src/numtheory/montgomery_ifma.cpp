@@ -15,6 +15,7 @@
 // the carries leaves it in n lanes below 2^52.
 #include "numtheory/montgomery_ifma.h"
 
+#include "arith/tuning.h"
 #include "frame/radix.h"
 
 #include <array>
@@ -169,12 +170,57 @@ TW_IFMA void mulLanes(std::uint64_t* out, const std::uint64_t* a, const std::uin
     for (std::size_t r = 0; r < V; ++r) _mm512_storeu_si512(out + 8 * r, acc[r]);
 }
 
+// For sums longer than the registers hold: the sum moves down one lane a
+// step (valignq), so it and b and m stay aligned; q_i is chosen from lane 0
+// after a_i b, which waits for the vectors each step.
+template <std::size_t V>
+TW_IFMA void mulLanesMoving(std::uint64_t* out, const std::uint64_t* a, const std::uint64_t* b, const std::uint64_t* m,
+                      std::size_t n, std::uint64_t k0) {
+    __m512i acc[V], bv[V], mv[V];
+    for (std::size_t r = 0; r < V; ++r) {
+        acc[r] = _mm512_setzero_si512();
+        bv[r] = _mm512_loadu_si512(b + 8 * r);
+        mv[r] = _mm512_loadu_si512(m + 8 * r);
+    }
+    const __m512i zero = _mm512_setzero_si512();
+    const std::uint64_t b0 = b[0], m0 = m[0];
+    for (std::size_t i = 0; i < n; ++i) {
+        const __m512i ai = _mm512_set1_epi64(std::int64_t(a[i]));
+        // lane 0 after a_i b (the low 52 bits of a product are those of its
+        // 64-bit wrap): q and the carry out of lane 0 in scalar
+        const std::uint64_t t0 = std::uint64_t(_mm_cvtsi128_si64(_mm512_castsi512_si128(acc[0]))) +
+                                 (a[i] * b0 & kMask52);
+        const std::uint64_t q = (t0 * k0) & kMask52;
+        const std::uint64_t carry = (t0 + (q * m0 & kMask52)) >> 52;
+        const __m512i qv = _mm512_set1_epi64(std::int64_t(q));
+        for (std::size_t r = 0; r < V; ++r) {
+            acc[r] = _mm512_madd52lo_epu64(acc[r], ai, bv[r]);
+            acc[r] = _mm512_madd52lo_epu64(acc[r], qv, mv[r]);
+        }
+        // down one lane; lane 0 of the first vector, a multiple of 2^52, leaves
+        for (std::size_t r = 0; r + 1 < V; ++r) acc[r] = _mm512_alignr_epi64(acc[r + 1], acc[r], 1);
+        acc[V - 1] = _mm512_alignr_epi64(zero, acc[V - 1], 1);
+        acc[0] = _mm512_add_epi64(acc[0], _mm512_zextsi128_si512(_mm_cvtsi64_si128(std::int64_t(carry))));
+        for (std::size_t r = 0; r < V; ++r) {
+            acc[r] = _mm512_madd52hi_epu64(acc[r], ai, bv[r]);
+            acc[r] = _mm512_madd52hi_epu64(acc[r], qv, mv[r]);
+        }
+    }
+    normalise(acc);
+    for (std::size_t r = 0; r < V; ++r) _mm512_storeu_si512(out + 8 * r, acc[r]);
+}
+
 using MulLanes = void (*)(std::uint64_t*, const std::uint64_t*, const std::uint64_t*, const std::uint64_t*,
                           std::size_t, std::uint64_t);
 
+template <std::size_t V>
+constexpr MulLanes kernelFor() {
+    if constexpr (V <= kIfmaStillSumMaxVectors) return &mulLanes<V>;
+    else return &mulLanesMoving<V>;
+}
 template <std::size_t... V>
 constexpr std::array<MulLanes, sizeof...(V)> mulTable(std::index_sequence<V...>) {
-    return {&mulLanes<V + 1>...};
+    return {kernelFor<V + 1>()...};
 }
 constexpr auto kMulByVectors = mulTable(std::make_index_sequence<kIfmaMaxLimbs / 8>());
 
