@@ -68,9 +68,12 @@ public:
         std::size_t bits = BinaryRadix::bitsPerLimb * (limbs - 1) + bitLength32(m[limbs - 1]);
         n_ = limbsFor(bits);
         lanes_ = ifmaLanes(n_);
-        padded_.assign(lanes_ + 16, 0);
-        m_ = padded_.data() + 8;
-        regroupWords(m_, n_, 52, m, limbs, BinaryRadix::bitsPerLimb);
+        std::vector<Word> plain(lanes_, 0);
+        regroupWords(plain.data(), n_, 52, m, limbs, BinaryRadix::bitsPerLimb);
+        storage_.assign(ifmaModulusTableWords(n_) + 8, 0);
+        const std::uintptr_t at = reinterpret_cast<std::uintptr_t>(storage_.data());
+        m_ = storage_.data() + ((64 - at % 64) % 64) / sizeof(Word);  // 64-byte aligned
+        prepareIfmaModulus(m_, plain.data(), n_);
         k0_ = negativeInverseMod64(m_[0]) & ((std::uint64_t(1) << 52) - 1);
     }
     IfmaMontgomeryRing(const IfmaMontgomeryRing&) = delete;
@@ -100,8 +103,8 @@ private:
     // Limbs of 52 bits with room for 4m.
     static std::size_t limbsFor(std::size_t bits) { return (bits + 2 + 51) / 52; }
     std::size_t n_, lanes_;
-    std::vector<Word> padded_;  // m between eight zero lanes on either side
-    Word* m_;
+    std::vector<Word> storage_;
+    Word* m_;  // the modulus's table in storage_, whose first lanes are m
     Word k0_ = 0;
 };
 
