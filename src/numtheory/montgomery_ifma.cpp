@@ -25,8 +25,10 @@
 #include <immintrin.h>
 // GCC 12's 512-bit intrinsics pass an undefined vector as the (unused)
 // merge source and then warn that it is or may be uninitialized.
+#ifndef __clang__
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
 #pragma GCC diagnostic ignored "-Wuninitialized"
+#endif
 #define TW_HAVE_IFMA 1
 #else
 #define TW_HAVE_IFMA 0
