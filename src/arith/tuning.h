@@ -172,9 +172,10 @@ inline constexpr std::int64_t kSubquadraticGcdDigits = 65536;
 inline constexpr std::size_t kWordMontgomeryMaxBits = 8192;
 // From this many bits of an odd modulus on, where the processor has them,
 // the 52-bit multiply-add lanes (montgomery_ifma.h) take over from the words:
-// a square and reduction takes 94 against 89 ns at 512 bits, 120 against
-// 146 ns at 640, 189 against 346 ns at 1024 and 0.37 against 1.1 us at 2048.
-inline constexpr std::size_t kIfmaMontgomeryMinBits = 600;
+// a square and reduction takes 40 against 36 ns at 320 bits, 40 against
+// 49 ns at 352, 58 against 79 ns at 512, 0.13 against 0.23 us at 1024 and
+// 0.25 against 1.1 us at 2048.
+inline constexpr std::size_t kIfmaMontgomeryMinBits = 336;
 // Sums of up to this many vectors of eight lanes (64 limbs of 52 bits, moduli
 // below 3326 bits) stay in registers and in place, b and m read moved up;
 // longer ones move down a lane a step, so that b and m can stay aligned.
