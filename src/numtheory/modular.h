@@ -102,10 +102,10 @@ void powModMagnitude(SignedNumber<R>& res, const NumberRecord& base, const Numbe
     if constexpr (R::isBinary) {
         if ((m.digits[0] & 1) == 0) return powModEvenBinary(res, base, e, m);
         const std::size_t bits = R::bitsPerLimb * (n - 1) + bitLength32(m.digits[n - 1]);
-        if (bits <= kWordMontgomeryMaxBits) {
-            const KernelChoice choice = kernelChoice();
-            const bool lanes = choice.path == KernelPath::Ifma && IfmaMontgomeryRing::takes(bits) &&
-                               (choice.forced || bits >= kIfmaMontgomeryMinBits);
+        const KernelChoice choice = kernelChoice();
+        const bool lanes = choice.path == KernelPath::Ifma && IfmaMontgomeryRing::takes(bits) &&
+                           (choice.forced || bits >= kIfmaMontgomeryMinBits);
+        if (lanes || bits <= kWordMontgomeryMaxBits) {
             const std::vector<std::uint32_t> chunks = bitChunks<R>(e);
             if (!(lanes ? powModOddOnWords<IfmaMontgomeryRing>(res, base, chunks, m)
                         : powModOddOnWords<WordMontgomeryRing>(res, base, chunks, m)))

@@ -8,7 +8,7 @@
 // from lane i as the vectors held it a step before plus the terms added
 // since, so the vectors' latency stays off the chain of the q's.  Lanes are
 // not normalised between steps: a lane gains at most four terms below 2^52 a
-// step over at most n + 1 steps, below 2^62 for n <= 160.
+// step over at most n + 1 steps, below 2^63 for n <= 320.
 //
 // Bound: the sum a b + Q m < 4m^2 + R m < 2 R m for 4m < R, so the result
 // above lane n (with the carry out of lane n - 1) is below 2m; normalising

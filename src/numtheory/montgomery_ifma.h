@@ -8,11 +8,14 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "arith/tuning.h"
+
 namespace tw::numtheory {
 
-// Most limbs of 52 bits the kernel takes (its accumulator lives in
-// registers): 20 vectors.
-inline constexpr std::size_t kIfmaMaxLimbs = 160;
+// Most limbs of 52 bits the kernel takes (tuning.h).
+inline constexpr std::size_t kIfmaMaxLimbs = kIfmaMontgomeryMaxLimbs;
+// A lane gains at most four terms below 2^52 a step over n + 1 steps.
+static_assert(4 * (kIfmaMaxLimbs + 1) < (std::size_t(1) << 11), "lanes stay below 2^63");
 
 // Lanes of a number of n limbs: whole vectors.
 constexpr std::size_t ifmaLanes(std::size_t n) { return (n + 7) / 8 * 8; }
