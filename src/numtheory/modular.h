@@ -1,9 +1,10 @@
-// Modular arithmetic of numbers: powers by left-to-right sliding windows over
-// the rings of montgomery.h (Montgomery form for moduli prime to the radix;
-// for the binary radix an even m = 2^k o splits into low limbs modulo 2^k
-// and Montgomery modulo o, joined by the CRT; division for the decimal radix
-// otherwise), products modulo a number, inverses by the extended
-// GCD, and the lowest decimal digits of a decimal number.  Results are built
+// Modular arithmetic of numbers: powers by left-to-right sliding windows
+// (binary numbers; decimal ones are converted): odd moduli on the 52-bit
+// lanes or 64-bit words of word_power.h up to their limits, above them in
+// Montgomery form on the limbs of montgomery.h; an even m = 2^k o splits into
+// low limbs modulo 2^k and a power modulo o, joined by the CRT.  Products
+// modulo a number, inverses by the extended GCD, and the lowest decimal
+// digits of a decimal number.  Results are built
 // apart and moved in, so any handle may be any operand.  A zero modulus
 // records -5 and leaves the result alone; a raised terminate flag makes the
 // result zero.
@@ -102,10 +103,10 @@ void powModMagnitude(SignedNumber<R>& res, const NumberRecord& base, const Numbe
     if constexpr (R::isBinary) {
         if ((m.digits[0] & 1) == 0) return powModEvenBinary(res, base, e, m);
         const std::size_t bits = R::bitsPerLimb * (n - 1) + bitLength32(m.digits[n - 1]);
-        if (bits <= kWordMontgomeryMaxBits) {
-            const KernelChoice choice = kernelChoice();
-            const bool lanes = choice.path == KernelPath::Ifma && IfmaMontgomeryRing::takes(bits) &&
-                               (choice.forced || bits >= kIfmaMontgomeryMinBits);
+        const KernelChoice choice = kernelChoice();
+        const bool lanes = choice.path == KernelPath::Ifma && IfmaMontgomeryRing::takes(bits) &&
+                           (choice.forced || bits >= kIfmaMontgomeryMinBits);
+        if (lanes || bits <= kWordMontgomeryMaxBits) {
             const std::vector<std::uint32_t> chunks = bitChunks<R>(e);
             if (!(lanes ? powModOddOnWords<IfmaMontgomeryRing>(res, base, chunks, m)
                         : powModOddOnWords<WordMontgomeryRing>(res, base, chunks, m)))

@@ -8,13 +8,14 @@
 // from lane i as the vectors held it a step before plus the terms added
 // since, so the vectors' latency stays off the chain of the q's.  Lanes are
 // not normalised between steps: a lane gains at most four terms below 2^52 a
-// step over at most n + 1 steps, below 2^62 for n <= 160.
+// step over at most n + 1 steps, below 2^63 for n <= 320.
 //
 // Bound: the sum a b + Q m < 4m^2 + R m < 2 R m for 4m < R, so the result
 // above lane n (with the carry out of lane n - 1) is below 2m; normalising
 // the carries leaves it in n lanes below 2^52.
 #include "numtheory/montgomery_ifma.h"
 
+#include "arith/tuning.h"
 #include "frame/radix.h"
 
 #include <array>
@@ -24,8 +25,10 @@
 #include <immintrin.h>
 // GCC 12's 512-bit intrinsics pass an undefined vector as the (unused)
 // merge source and then warn that it is or may be uninitialized.
+#ifndef __clang__
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
 #pragma GCC diagnostic ignored "-Wuninitialized"
+#endif
 #define TW_HAVE_IFMA 1
 #else
 #define TW_HAVE_IFMA 0
@@ -86,22 +89,24 @@ struct Scalars {
 
 inline std::uint64_t high52(std::uint64_t x, std::uint64_t yUp) { return std::uint64_t((u128(x) * yUp) >> 64); }
 
-// x += lo(v p), y += hi(v p') over the lanes of p moved up S lanes (p') and
-// S + 1 lanes (p'); vectors that read only zero lanes are left out.
+// x += lo(v p_S), y += hi(v p_(S+1)) for the table p of a number moved up
+// 0..8 lanes (V + 1 vectors each); vectors that are all zero are left out.
 template <std::size_t V, std::size_t S>
 TW_IFMA __attribute__((always_inline)) inline void addProducts(Lanes<V>& st, __m512i v, const std::uint64_t* p,
                                                               bool loTop, bool hiTop) {
+    const std::uint64_t* lo = p + S * 8 * (V + 1);
+    const std::uint64_t* hi = lo + 8 * (V + 1);
     for (std::size_t r = 0; r < V; ++r) {
-        st.x[r] = _mm512_madd52lo_epu64(st.x[r], v, _mm512_loadu_si512(p - S + 8 * r));
-        if (S < 7 || r > 0) st.y[r] = _mm512_madd52hi_epu64(st.y[r], v, _mm512_loadu_si512(p - S - 1 + 8 * r));
+        st.x[r] = _mm512_madd52lo_epu64(st.x[r], v, _mm512_load_si512(lo + 8 * r));
+        if (S < 7 || r > 0) st.y[r] = _mm512_madd52hi_epu64(st.y[r], v, _mm512_load_si512(hi + 8 * r));
     }
-    if (loTop) st.x[V] = _mm512_madd52lo_epu64(st.x[V], v, _mm512_loadu_si512(p - S + 8 * V));
-    if (hiTop) st.y[V] = _mm512_madd52hi_epu64(st.y[V], v, _mm512_loadu_si512(p - S - 1 + 8 * V));
+    if (loTop) st.x[V] = _mm512_madd52lo_epu64(st.x[V], v, _mm512_load_si512(lo + 8 * V));
+    if (hiTop) st.y[V] = _mm512_madd52hi_epu64(st.y[V], v, _mm512_load_si512(hi + 8 * V));
 }
 
 // Step i = 8 block + S: adds a_i b, chooses q_i, adds q_i m; b and m are read
-// moved up S lanes (lo halves) and S + 1 lanes (hi halves) from the zero
-// lanes below them.  q_i comes from lane i in scalar: its vector value of a
+// moved up S lanes (lo halves) and S + 1 lanes (hi halves), from their
+// tables.  q_i comes from lane i in scalar: its vector value of a
 // step ago plus the terms added since, of which only q_(i-1)'s wait for the
 // step before: a multiply-high, a multiply and a mask a step, while the
 // vectors have two steps to bring their part.  The carry out of lane i is
@@ -137,22 +142,35 @@ TW_IFMA __attribute__((always_inline)) inline bool block(Lanes<V>& st, std::size
     return false;
 }
 
+// Rows S..7 of a table: b moved up S lanes, from its vectors bv[1..V]
+// between zero vectors bv[0] and bv[V + 1].
+template <std::size_t V, std::size_t S>
+TW_IFMA __attribute__((always_inline)) inline void moveUp(std::uint64_t* table, const __m512i* bv) {
+    for (std::size_t r = 0; r <= V; ++r)
+        _mm512_store_si512(table + 8 * (S * (V + 1) + r), _mm512_alignr_epi64(bv[r + 1], bv[r], 8 - S));
+    if constexpr (S < 7) moveUp<V, S + 1>(table, bv);
+}
+
 template <std::size_t V>
 TW_IFMA void mulLanes(std::uint64_t* out, const std::uint64_t* a, const std::uint64_t* b, const std::uint64_t* m,
                       std::size_t n, std::uint64_t k0) {
-    constexpr std::size_t L = 8 * V;
-    // b between zero lanes, as m comes: a load at bp - s reads b moved up s lanes
-    alignas(64) std::uint64_t bpad[L + 16];
+    // the table of b, built from its vectors: aligned loads in the steps
+    alignas(64) std::uint64_t bt[9 * 8 * (V + 1)];
     const __m512i zero = _mm512_setzero_si512();
-    _mm512_store_si512(bpad, zero);
-    _mm512_store_si512(bpad + 8 + L, zero);
-    for (std::size_t r = 0; r < V; ++r) _mm512_store_si512(bpad + 8 + 8 * r, _mm512_loadu_si512(b + 8 * r));
+    __m512i bv[V + 2];
+    bv[0] = bv[V + 1] = zero;
+    for (std::size_t r = 0; r < V; ++r) bv[r + 1] = _mm512_loadu_si512(b + 8 * r);
+    for (std::size_t r = 0; r <= V; ++r) {
+        _mm512_store_si512(bt + 8 * r, bv[r + 1]);
+        _mm512_store_si512(bt + 8 * (8 * (V + 1) + r), bv[r]);
+    }
+    moveUp<V, 1>(bt, bv);
     const Scalars c{b[0], b[0] << 12, b[1], m[0] << 12, m[1], k0};
     Lanes<V> st;
     for (std::size_t r = 0; r <= V; ++r) st.x[r] = st.y[r] = zero;
     std::size_t i = 0;
     for (;;) {
-        const bool last = block<V>(st, i, n, a, c, bpad + 8, m);
+        const bool last = block<V>(st, i, n, a, c, bt, m);
         if (last && i % 8 != 0) break;
         // the block's first vector is done: its lanes are multiples of 2^52 with the carries
         for (std::size_t r = 0; r < V; ++r) st.x[r] = st.x[r + 1], st.y[r] = st.y[r + 1];
@@ -169,20 +187,65 @@ TW_IFMA void mulLanes(std::uint64_t* out, const std::uint64_t* a, const std::uin
     for (std::size_t r = 0; r < V; ++r) _mm512_storeu_si512(out + 8 * r, acc[r]);
 }
 
+// For sums longer than the registers hold: the sum moves down one lane a
+// step (valignq), so it and b and m stay aligned; q_i is chosen from lane 0
+// after a_i b, which waits for the vectors each step.
+template <std::size_t V>
+TW_IFMA void mulLanesMoving(std::uint64_t* out, const std::uint64_t* a, const std::uint64_t* b, const std::uint64_t* m,
+                      std::size_t n, std::uint64_t k0) {
+    __m512i acc[V], bv[V], mv[V];
+    for (std::size_t r = 0; r < V; ++r) {
+        acc[r] = _mm512_setzero_si512();
+        bv[r] = _mm512_loadu_si512(b + 8 * r);
+        mv[r] = _mm512_loadu_si512(m + 8 * r);
+    }
+    const __m512i zero = _mm512_setzero_si512();
+    const std::uint64_t b0 = b[0], m0 = m[0];
+    for (std::size_t i = 0; i < n; ++i) {
+        const __m512i ai = _mm512_set1_epi64(std::int64_t(a[i]));
+        // lane 0 after a_i b (the low 52 bits of a product are those of its
+        // 64-bit wrap): q and the carry out of lane 0 in scalar
+        const std::uint64_t t0 = std::uint64_t(_mm_cvtsi128_si64(_mm512_castsi512_si128(acc[0]))) +
+                                 (a[i] * b0 & kMask52);
+        const std::uint64_t q = (t0 * k0) & kMask52;
+        const std::uint64_t carry = (t0 + (q * m0 & kMask52)) >> 52;
+        const __m512i qv = _mm512_set1_epi64(std::int64_t(q));
+        for (std::size_t r = 0; r < V; ++r) {
+            acc[r] = _mm512_madd52lo_epu64(acc[r], ai, bv[r]);
+            acc[r] = _mm512_madd52lo_epu64(acc[r], qv, mv[r]);
+        }
+        // down one lane; lane 0 of the first vector, a multiple of 2^52, leaves
+        for (std::size_t r = 0; r + 1 < V; ++r) acc[r] = _mm512_alignr_epi64(acc[r + 1], acc[r], 1);
+        acc[V - 1] = _mm512_alignr_epi64(zero, acc[V - 1], 1);
+        acc[0] = _mm512_add_epi64(acc[0], _mm512_zextsi128_si512(_mm_cvtsi64_si128(std::int64_t(carry))));
+        for (std::size_t r = 0; r < V; ++r) {
+            acc[r] = _mm512_madd52hi_epu64(acc[r], ai, bv[r]);
+            acc[r] = _mm512_madd52hi_epu64(acc[r], qv, mv[r]);
+        }
+    }
+    normalise(acc);
+    for (std::size_t r = 0; r < V; ++r) _mm512_storeu_si512(out + 8 * r, acc[r]);
+}
+
 using MulLanes = void (*)(std::uint64_t*, const std::uint64_t*, const std::uint64_t*, const std::uint64_t*,
                           std::size_t, std::uint64_t);
 
+template <std::size_t V>
+constexpr MulLanes kernelFor() {
+    if constexpr (V <= kIfmaStillSumMaxVectors) return &mulLanes<V>;
+    else return &mulLanesMoving<V>;
+}
 template <std::size_t... V>
 constexpr std::array<MulLanes, sizeof...(V)> mulTable(std::index_sequence<V...>) {
-    return {&mulLanes<V + 1>...};
+    return {kernelFor<V + 1>()...};
 }
 constexpr auto kMulByVectors = mulTable(std::make_index_sequence<kIfmaMaxLimbs / 8>());
 
 }  // namespace
 
-void montgomeryMulIfma(std::uint64_t* out, const std::uint64_t* a, const std::uint64_t* b, const std::uint64_t* m,
-                       std::size_t n, std::uint64_t k0) {
-    kMulByVectors[ifmaLanes(n) / 8 - 1](out, a, b, m, n, k0);
+void montgomeryMulIfma(std::uint64_t* out, const std::uint64_t* a, const std::uint64_t* b,
+                       const std::uint64_t* mTable, std::size_t n, std::uint64_t k0) {
+    kMulByVectors[ifmaLanes(n) / 8 - 1](out, a, b, mTable, n, k0);
 }
 
 #else
@@ -191,5 +254,11 @@ void montgomeryMulIfma(std::uint64_t*, const std::uint64_t*, const std::uint64_t
                        std::uint64_t) {}
 
 #endif
+
+void prepareIfmaModulus(std::uint64_t* table, const std::uint64_t* m, std::size_t n) {
+    const std::size_t row = ifmaLanes(n) + 8;
+    for (std::size_t s = 0; s <= 8; ++s)
+        for (std::size_t k = 0; k < row; ++k) table[s * row + k] = k >= s && k - s < n ? m[k - s] : 0;
+}
 
 }  // namespace tw::numtheory

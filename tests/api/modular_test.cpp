@@ -92,8 +92,9 @@ TYPED_TEST(Modular, LargeOperandsAndAliasedExponent) {
         }
 }
 
-// Moduli at the edges of the word kernels' lengths (64-bit words, 52-bit
-// lanes in whole vectors of eight, up to kWordMontgomeryMaxBits) on every
+// Moduli at the edges of the word kernels' lengths (64-bit words up to
+// kWordMontgomeryMaxBits, 52-bit lanes in whole vectors of eight, the sum in
+// place up to 64 lanes and moving above, up to 320) on every
 // path: any pinned path runs the 64-bit words, Ifma the lanes, the library's
 // own choice either; odd, even and 2^k - 1 moduli, negative bases.
 TYPED_TEST(Modular, PowersOnEveryKernelPath) {
@@ -104,7 +105,7 @@ TYPED_TEST(Modular, PowersOnEveryKernelPath) {
     if (tw::processorRuns(tw::KernelPath::Ifma)) paths.push_back({"ifma", true, tw::KernelPath::Ifma});
     for (const PathCase& path : paths) {
         const Pinned pinned(path);
-        for (const std::size_t bits : {3, 50, 51, 64, 65, 414, 415, 1040, 4000, 8192, 8193})
+        for (const std::size_t bits : {3, 50, 51, 64, 65, 414, 415, 1040, 3326, 3327, 8192, 8193, 16636})
             for (int kind = 0; kind < 3; ++kind) {  // m odd, even, 2^bits - 1
                 const std::size_t n = bits / 28 + 2;
                 Mpz vm = value<R>(gen.mixed<R>(n)), vb = value<R>(gen.mixed<R>(n + kind)), ve = value<R>(gen.limbs<R>(bits > 1100 ? 2 : n)), want;
