@@ -1,8 +1,8 @@
 // Modular powers of binary numbers for odd moduli on machine words: the
 // modulus and the base are regrouped from 28-bit limbs into the words of a
-// ring (64-bit words here, 52-bit lanes for the multiply-add kernel), the
-// base enters the Montgomery form x R mod m by one division, the power runs
-// on the ring, and the result leaves by one product with 1.
+// ring (64-bit words, or 52-bit lanes for the multiply-add kernel), the base
+// enters the Montgomery form x R mod m by one product with R^2 mod m, the
+// power runs on the ring, and the result leaves by one product with 1.
 #pragma once
 
 #include <algorithm>
@@ -11,7 +11,6 @@
 #include <cstdint>
 #include <vector>
 
-#include "arith/numbers/shifts.h"
 #include "arith/numbers/signed_div.h"
 #include "frame/signed_number.h"
 #include "numtheory/gcd.h"

@@ -9,8 +9,11 @@ namespace {
 template <class F> struct Ops;
 #define MOD_OPS(Fam, P)                                                                              \
     template <> struct Ops<Fam> {                                                                    \
-        static constexpr auto powMod = P##_powMod, powModU = P##_powMod_u32, powModUU = P##_powMod_u32_u32, mulMod = P##_mulMod; \
-        static constexpr auto invertMod = P##_invertMod, invertModU = P##_invertMod_u32;             \
+        static constexpr auto powMod = P##_powMod, mulMod = P##_mulMod;                              \
+        static constexpr auto powModU = P##_powMod_u32;                                              \
+        static constexpr auto powModUU = P##_powMod_u32_u32;                                         \
+        static constexpr auto invertMod = P##_invertMod;                                             \
+        static constexpr auto invertModU = P##_invertMod_u32;                                        \
     }
 MOD_OPS(DecimalFamily, HI);
 MOD_OPS(BinaryFamily, HX);
