@@ -20,7 +20,11 @@
 #include "frame/random_number.h"
 #include "frame/signed_number.h"
 #include "numtheory/prime_tables.h"
+#include "arith/tuning.h"
+#include "frame/kernel_paths.h"
+#include "numtheory/lane_residues.h"
 #include "numtheory/probable_prime.h"
+#include "numtheory/residue_words.h"
 #include "numtheory/roots.h"
 #include "arith/numbers/power.h"
 #include "numtheory/word_primes.h"
@@ -66,6 +70,13 @@ inline BinaryNumber numberOfWords(const std::vector<std::uint64_t>& words) {
     return x;
 }
 
+// Whether the probable-prime tests run on the multiply-add lanes: the
+// processor has them and no test pinned a narrower path.
+inline bool useLanes() {
+    const KernelChoice choice = kernelChoice();
+    return choice.path >= KernelPath::Ifma && processorRuns(KernelPath::Ifma);
+}
+
 // The odd primes up to 2^16 grouped into products below 2^64, so that one
 // pass over a long number gives its remainders by several primes at once.
 struct PrimeGroup {
@@ -99,45 +110,62 @@ inline bool hasSmallFactor(const std::vector<std::uint64_t>& n, std::uint32_t bo
     return false;
 }
 
-// A base for a Miller-Rabin round: random, in [2, n - 2], in Montgomery form.
-inline ResidueWords::Element randomBase(ResidueWords& ring) {
-    std::vector<std::uint64_t> base(ring.size(), 0);
+// A base for a Miller-Rabin round: random, in [2, n - 2], in the ring's form.
+template <class Ring>
+typename Ring::Element randomBase(Ring& ring, const std::vector<std::uint64_t>& n) {
+    std::vector<std::uint64_t> base(n.size(), 0);
     {
         const auto lock = lockLibraryGenerator();
-        for (std::size_t i = 0; i + 1 < ring.size(); ++i)
-            base[i] = (std::uint64_t(randomBelow(1u << 30)) << 34) ^ (std::uint64_t(randomBelow(1u << 30)) << 4) ^
-                      randomBelow(16);
-        if (ring.size() == 1) base[0] = 2 + (std::uint64_t(randomBelow(1u << 30)) << 30 | randomBelow(1u << 30)) %
-                                                (ring.modulus()[0] - 3);
+        const auto word = [] {
+            return (std::uint64_t(randomBelow(1u << 30)) << 34) ^ (std::uint64_t(randomBelow(1u << 30)) << 4) ^
+                   randomBelow(16);
+        };
+        // One word less than n keeps the base below n.
+        for (std::size_t i = 0; i + 1 < n.size(); ++i) base[i] = word();
+        if (n.size() == 1) base[0] = word() % (n[0] - 3);
     }
-    if (ring.size() > 1 && base[0] < 2 && std::all_of(base.begin() + 1, base.end(), [](std::uint64_t w) { return w == 0; }))
-        base[0] = 2;
-    return ring.enter(base.data());
+    if (n.size() == 1 || std::all_of(base.begin() + 1, base.end(), [](std::uint64_t w) { return w == 0; }))
+        base[0] = std::max<std::uint64_t>(base[0], 2);
+    return ring.enter(base);
 }
 
-// Baillie-PSW on an odd n of one word or more, with `rounds` further rounds.
-inline bool bailliePsw(const std::vector<std::uint64_t>& n, std::uint32_t rounds) {
-    ResidueWords ring(n.data(), n.size());
-    if (!strongProbablePrimeBaseTwo(ring)) return false;
-    std::int64_t D = selfridgeD(ring, 205);
+// Baillie-PSW on an odd n (not a square of a small prime), then `rounds`
+// Miller-Rabin rounds, on the ring given.
+template <class Ring>
+bool bailliePswOn(Ring& ring, const std::vector<std::uint64_t>& n, std::uint32_t rounds) {
+    if (!strongProbablePrimeBaseTwo(ring, n)) return false;
+    std::int64_t D = selfridgeD(n, 205);
     if (D == 1) {  // no D among the first hundred: a square has none at all
         const BinaryNumber x = numberOfWords(n);
         BinaryNumber root, rest;
         rootRemainder(root, &rest, x, 2);
         if (rest.isZero()) return false;
-        D = selfridgeD(ring, std::int64_t(1) << 40);
+        D = selfridgeD(n, std::int64_t(1) << 40);
     }
-    if (D == 0 || !strongLucasProbablePrime(ring, D)) return false;
+    if (D == 0 || !strongLucasProbablePrime(ring, n, D)) return false;
     for (std::uint32_t i = 0; i < rounds && !terminateRequested(); ++i)
-        if (!strongProbablePrime(ring, randomBase(ring))) return false;
+        if (!strongProbablePrime(ring, n, randomBase(ring, n))) return false;
     return true;
+}
+
+// Baillie-PSW on the multiply-add lanes where the processor has them and n
+// is long enough for them to win, else on 64-bit words.
+inline bool bailliePsw(const std::vector<std::uint64_t>& n, std::uint32_t rounds) {
+    const std::size_t bits = 64 * n.size() - std::size_t(__builtin_clzll(n.back()));
+    if (bits >= kIfmaMontgomeryMinBits && LaneResidues::takes(bits) && useLanes()) {
+        LaneResidues ring(n.data(), n.size(), bits);
+        return bailliePswOn(ring, n, rounds);
+    }
+    ResidueWords ring(n.data(), n.size());
+    return bailliePswOn(ring, n, rounds);
 }
 
 // The five-base test, exact below 10^16 but for the listed composite.
 inline bool fiveBasesSayPrime(std::uint64_t n) {
     ResidueWords ring(&n, 1);
+    const std::vector<std::uint64_t> words{n};
     for (const std::int64_t base : {2, 3, 7, 61, 24251})
-        if (std::uint64_t(base) % n != 0 && !strongProbablePrime(ring, ring.small(base))) return false;
+        if (std::uint64_t(base) % n != 0 && !strongProbablePrime(ring, words, ring.small(base))) return false;
     return true;
 }
 

@@ -1,7 +1,8 @@
 // Strong probable-prime tests of an odd n > 1 given as 64-bit words: the
 // Miller-Rabin test to a base and the strong Lucas test with Selfridge's
-// parameters, the two halves of the Baillie-PSW test.  Both run on the
-// Montgomery residues of residue_words.h.
+// parameters, the two halves of the Baillie-PSW test.  Both run on a ring of
+// Montgomery residues modulo n: the words of residue_words.h or the lanes of
+// lane_residues.h.
 #pragma once
 
 #include <cstddef>
@@ -9,7 +10,6 @@
 #include <vector>
 
 #include "frame/error_state.h"
-#include "numtheory/residue_words.h"
 
 namespace tw::numtheory {
 namespace detail {
@@ -64,13 +64,13 @@ inline std::uint64_t wordsModSmall(const std::uint64_t* n, std::size_t size, std
 
 // Whether n passes the strong test to the base given in Montgomery form
 // (a non-zero residue).  A raised terminate flag makes it pass.
-inline bool strongProbablePrime(ResidueWords& ring, const ResidueWords::Element& base) {
+template <class Ring>
+bool strongProbablePrime(Ring& ring, const std::vector<std::uint64_t>& n, const typename Ring::Element& base) {
     const std::size_t size = ring.size();
-    std::vector<std::uint64_t> d(ring.modulus(), ring.modulus() + size);
+    std::vector<std::uint64_t> d = n;
     d[0] -= 1;  // n odd: no borrow
     const std::size_t s = detail::stripTwos(d);
-    ResidueWords::Element x = base, minusOne(size);
-    ResidueWords::Element zero(size, 0);
+    typename Ring::Element x = base, minusOne(size), zero(size, 0);
     ring.sub(minusOne.data(), zero.data(), ring.one().data());
     for (std::size_t i = detail::wordBitLength(d) - 1; i-- > 0;) {
         ring.sqr(x.data(), x.data());
@@ -87,12 +87,13 @@ inline bool strongProbablePrime(ResidueWords& ring, const ResidueWords::Element&
 }
 
 // The strong test to the base 2: 2^d by squarings and doublings only.
-inline bool strongProbablePrimeBaseTwo(ResidueWords& ring) {
+template <class Ring>
+bool strongProbablePrimeBaseTwo(Ring& ring, const std::vector<std::uint64_t>& n) {
     const std::size_t size = ring.size();
-    std::vector<std::uint64_t> d(ring.modulus(), ring.modulus() + size);
+    std::vector<std::uint64_t> d = n;
     d[0] -= 1;
     const std::size_t s = detail::stripTwos(d);
-    ResidueWords::Element x = ring.one(), minusOne(size), zero(size, 0);
+    typename Ring::Element x = ring.one(), minusOne(size), zero(size, 0);
     ring.sub(minusOne.data(), zero.data(), ring.one().data());
     ring.add(x.data(), x.data(), x.data());
     for (std::size_t i = detail::wordBitLength(d) - 1; i-- > 0;) {
@@ -112,15 +113,15 @@ inline bool strongProbablePrimeBaseTwo(ResidueWords& ring) {
 // Selfridge's D: the first of 5, -7, 9, -11, ... with (D / n) = -1; 0 when a
 // D shares a factor with n below it (n composite), 1 when none turned up
 // below maxMagnitude (a square n has none: the caller looks first).
-inline std::int64_t selfridgeD(const ResidueWords& ring, std::int64_t maxMagnitude) {
-    const std::uint64_t nMod4 = ring.modulus()[0] & 3;
-    const bool nIsSmall = ring.size() == 1;
+inline std::int64_t selfridgeD(const std::vector<std::uint64_t>& n, std::int64_t maxMagnitude) {
+    const std::uint64_t nMod4 = n[0] & 3;
+    const bool nIsSmall = n.size() == 1;
     for (std::int64_t magnitude = 5, sign = 1; magnitude < maxMagnitude; magnitude += 2, sign = -sign) {
-        const std::uint64_t r = detail::wordsModSmall(ring.modulus(), ring.size(), std::uint64_t(magnitude));
+        const std::uint64_t r = detail::wordsModSmall(n.data(), n.size(), std::uint64_t(magnitude));
         // (D/n) = (-1/n)^[D<0] (|D|/n), and (|D|/n) = (n/|D|) (-1)^((|D|-1)/2 (n-1)/2).
         int j = detail::jacobiSmall(r, std::uint64_t(magnitude));
         if (j == 0) {
-            if (nIsSmall && ring.modulus()[0] == std::uint64_t(magnitude)) continue;
+            if (nIsSmall && n[0] == std::uint64_t(magnitude)) continue;
             return 0;
         }
         if ((magnitude & 3) == 3 && nMod4 == 3) j = -j;
@@ -132,15 +133,16 @@ inline std::int64_t selfridgeD(const ResidueWords& ring, std::int64_t maxMagnitu
 
 // The strong Lucas test with P = 1, Q = (1 - D) / 4: n + 1 = d 2^s, and n
 // passes when U_d = 0 or V_(d 2^r) = 0 for some r < s (mod n).
-inline bool strongLucasProbablePrime(ResidueWords& ring, std::int64_t D) {
+template <class Ring>
+bool strongLucasProbablePrime(Ring& ring, const std::vector<std::uint64_t>& n, std::int64_t D) {
     const std::size_t size = ring.size();
-    std::vector<std::uint64_t> d(ring.modulus(), ring.modulus() + size);
+    std::vector<std::uint64_t> d = n;
     d.push_back(0);
-    for (std::size_t i = 0; i <= size && ++d[i] == 0; ++i) {
+    for (std::size_t i = 0; i < d.size() && ++d[i] == 0; ++i) {
     }
     const std::size_t s = detail::stripTwos(d);
-    const ResidueWords::Element Dm = ring.small(D), Qm = ring.small((1 - D) / 4);
-    ResidueWords::Element U = ring.one(), V = ring.one(), Qk = Qm, t(size);
+    const typename Ring::Element Dm = ring.small(D), Qm = ring.small((1 - D) / 4);
+    typename Ring::Element U = ring.one(), V = ring.one(), Qk = Qm, t(size);
     for (std::size_t i = detail::wordBitLength(d) - 1; i-- > 0;) {
         ring.mul(U.data(), U.data(), V.data());  // U_2k = U_k V_k
         ring.sqr(V.data(), V.data());            // V_2k = V_k^2 - 2 Q^k

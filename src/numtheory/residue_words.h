@@ -72,14 +72,15 @@ public:
         out[size() - 1] = (out[size() - 1] >> 1) | (top << 63);
     }
 
-    // x R mod n for x below n given plainly, by one product with R^2 mod n.
-    Element enter(const Word* x) {
+    // x R mod n for x below n given plainly (size() words), by one product
+    // with R^2 mod n.
+    Element enter(const std::vector<std::uint64_t>& x) {
         if (rSquared_.empty()) {
             rSquared_ = one_;
             for (std::size_t i = 0; i < 64 * size(); ++i) add(rSquared_.data(), rSquared_.data(), rSquared_.data());
         }
         Element out(size());
-        mul(out.data(), x, rSquared_.data());
+        mul(out.data(), x.data(), rSquared_.data());
         return out;
     }
 

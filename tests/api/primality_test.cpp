@@ -5,6 +5,7 @@
 #include "support/harness.h"
 
 #include "numtheory/probable_prime.h"
+#include "numtheory/residue_words.h"
 
 namespace twtest {
 namespace {
@@ -50,7 +51,11 @@ TYPED_TEST(Primes, TestAgainstGmpAndItsOwnRanges) {
         if (i % 3 == 0) mpz_nextprime(v, v);
         values.push_back(v);
     }
+    // The portable words and the library's own choice (the multiply-add lanes
+    // where the processor has them).
+    for (const PathCase& path : {PathCase{"portable", true, tw::KernelPath::Portable}, kOwnChoice})
     for (const Mpz& v : values) {
+        const Pinned pinned(path);
         for (int sign : {1, -1}) {
             Number<F> x;
             Mpz sv = v;
@@ -58,8 +63,8 @@ TYPED_TEST(Primes, TestAgainstGmpAndItsOwnRanges) {
             x.set(sv);
             const int gmp = mpz_probab_prime_p(v, 30);
             const std::uint32_t want = gmp == 0 ? 0 : mpz_cmp_ui(v, 10000000000000000ull) < 0 ? 2 : 1;
-            ASSERT_EQ(Ops<F>::test(x, 3), want) << v;
-            ASSERT_EQ(Ops<F>::isPrime(x), gmp != 0 ? 1u : 0u) << v;
+            ASSERT_EQ(Ops<F>::test(x, 3), want) << path.name << " " << v;
+            ASSERT_EQ(Ops<F>::isPrime(x), gmp != 0 ? 1u : 0u) << path.name << " " << v;
         }
     }
     EXPECT_EQ(takeError(), 0);
@@ -70,15 +75,17 @@ TEST(Primes, StrongLucasHalfOfBailliePsw) {
     using tw::numtheory::ResidueWords;
     for (std::uint64_t n : {5459ull, 5777ull, 10877ull, 16109ull, 18971ull, 22499ull, 24569ull, 25199ull, 40309ull, 58519ull}) {
         ResidueWords ring(&n, 1);
-        const std::int64_t D = tw::numtheory::selfridgeD(ring, 1000);
-        EXPECT_TRUE(D != 0 && D != 1 && tw::numtheory::strongLucasProbablePrime(ring, D)) << n;
-        EXPECT_FALSE(tw::numtheory::strongProbablePrimeBaseTwo(ring)) << n;
+        const std::vector<std::uint64_t> words{n};
+        const std::int64_t D = tw::numtheory::selfridgeD(words, 1000);
+        EXPECT_TRUE(D != 0 && D != 1 && tw::numtheory::strongLucasProbablePrime(ring, words, D)) << n;
+        EXPECT_FALSE(tw::numtheory::strongProbablePrimeBaseTwo(ring, words)) << n;
     }
     for (std::uint64_t n : {2047ull, 3277ull, 4033ull, 4681ull, 3215031751ull}) {  // strong pseudoprimes to base 2
         ResidueWords ring(&n, 1);
-        EXPECT_TRUE(tw::numtheory::strongProbablePrimeBaseTwo(ring)) << n;
-        const std::int64_t D = tw::numtheory::selfridgeD(ring, 1000);
-        EXPECT_TRUE(D == 0 || !tw::numtheory::strongLucasProbablePrime(ring, D)) << n;
+        const std::vector<std::uint64_t> words{n};
+        EXPECT_TRUE(tw::numtheory::strongProbablePrimeBaseTwo(ring, words)) << n;
+        const std::int64_t D = tw::numtheory::selfridgeD(words, 1000);
+        EXPECT_TRUE(D == 0 || !tw::numtheory::strongLucasProbablePrime(ring, words, D)) << n;
     }
 }
 
