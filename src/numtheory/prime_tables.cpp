@@ -7,21 +7,27 @@ namespace tw::numtheory {
 namespace {
 
 // Every prime up to the small limit by the sieve of Eratosthenes over the odd
-// numbers (byte i stands for 2i + 1).
-std::vector<std::uint32_t> smallPrimes() {
+// numbers (byte i stands for 2i + 1), and pi at each odd number from the same
+// pass.
+void sieveSmall(PrimeTables& t) {
     const std::uint32_t half = kSmallPrimeLimit / 2 + 1;
     std::vector<std::uint8_t> composite(half, 0);
+    composite[0] = 1;  // 1
     for (std::uint32_t i = 1; (2 * i + 1) * (2 * i + 1) <= kSmallPrimeLimit; ++i) {
         if (composite[i]) continue;
         const std::uint32_t p = 2 * i + 1;
         for (std::uint32_t j = (p * p) / 2; j < half; j += p) composite[j] = 1;
     }
-    std::vector<std::uint32_t> primes;
-    primes.reserve(kSmallPrimeCount);
-    primes.push_back(2);
-    for (std::uint32_t i = 1; i < half; ++i)
-        if (!composite[i]) primes.push_back(2 * i + 1);
-    return primes;
+    t.small.reserve(kSmallPrimeCount);
+    t.small.push_back(2);
+    t.piOffset.resize(half);
+    t.piBase.resize((half >> 15) + 1);
+    std::uint32_t count = 1;  // the prime 2
+    for (std::uint32_t k = 0; k < half; ++k) {
+        if ((k & 0x7FFF) == 0) t.piBase[k >> 15] = count + (composite[k] ^ 1);
+        if (!composite[k]) t.small.push_back(2 * k + 1), ++count;
+        t.piOffset[k] = std::uint16_t(count - t.piBase[k >> 15]);
+    }
 }
 
 std::vector<std::uint32_t> topPrimes() {
@@ -70,21 +76,12 @@ void buildPhiCache(PrimeTables& t) {
 
 PrimeTables build() {
     PrimeTables t;
-    t.small = smallPrimes();
+    sieveSmall(t);
     t.top = topPrimes();
     t.primorial[0] = 1;
     for (int a = 0; a <= kPhiClosedFormPrimes; ++a) {
         if (a > 0) t.primorial[a] = t.primorial[a - 1] * t.small[a - 1];
         t.phiCounts[a] = coprimeCounts(t.small.data(), a, t.primorial[a]);
-    }
-    const std::uint32_t odd = kSmallPrimeLimit / 2 + 1;  // 1, 3, ..., the small limit
-    t.piOffset.resize(odd);
-    t.piBase.resize((odd >> 15) + 1);
-    std::uint32_t count = 1;  // the prime 2
-    for (std::uint32_t k = 0, next = 1; k < odd; ++k) {
-        if (next < t.small.size() && t.small[next] == 2 * k + 1) ++count, ++next;
-        if ((k & 0x7FFF) == 0) t.piBase[k >> 15] = count;
-        t.piOffset[k] = std::uint16_t(count - t.piBase[k >> 15]);
     }
     buildPhiCache(t);
     assert(t.small.size() == kSmallPrimeCount && t.small.back() == kSmallPrimeLimit);
