@@ -4,6 +4,7 @@
 // mpz_nextprime and a backward search; prime generation; bad input.
 #include "support/harness.h"
 
+#include "numtheory/primality.h"
 #include "numtheory/probable_prime.h"
 #include "numtheory/residue_words.h"
 
@@ -79,6 +80,11 @@ TEST(Primes, StrongLucasHalfOfBailliePsw) {
         const std::int64_t D = tw::numtheory::selfridgeD(words, 1000);
         EXPECT_TRUE(D != 0 && D != 1 && tw::numtheory::strongLucasProbablePrime(ring, words, D)) << n;
         EXPECT_FALSE(tw::numtheory::strongProbablePrimeBaseTwo(ring, words)) << n;
+    }
+    // Squares of the Wieferich primes pass the base-2 test and have no D: the square check decides.
+    for (std::uint64_t n : {1093ull * 1093, 3511ull * 3511}) {
+        EXPECT_EQ(tw::numtheory::selfridgeD({n}, 205), 1) << n;
+        EXPECT_FALSE(tw::numtheory::detail::bailliePsw({n}, 0)) << n;
     }
     for (std::uint64_t n : {2047ull, 3277ull, 4033ull, 4681ull, 3215031751ull}) {  // strong pseudoprimes to base 2
         ResidueWords ring(&n, 1);
