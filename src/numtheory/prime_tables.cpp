@@ -83,6 +83,10 @@ PrimeTables build() {
         if (a > 0) t.primorial[a] = t.primorial[a - 1] * t.small[a - 1];
         t.phiCounts[a] = coprimeCounts(t.small.data(), a, t.primorial[a]);
     }
+    for (const std::uint32_t p : t.small) {
+        if (p >= (1u << 16)) break;
+        t.inverse.push_back(p == 2 ? std::uint64_t(1) << 63 : ~std::uint64_t(0) / p + 1);
+    }
     buildPhiCache(t);
     assert(t.small.size() == kSmallPrimeCount && t.small.back() == kSmallPrimeLimit);
     assert(t.top.size() == kTopPrimeCount && t.top.front() == kTopPrimeStart);

@@ -8,6 +8,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "frame/radix.h"
+
 namespace tw::numtheory {
 
 // The largest prime of the small table, its index count, and the first prime
@@ -45,6 +47,13 @@ struct PrimeTables {
     // 2k + 1, piBase[k >> 15] + piOffset[k].
     std::vector<std::uint32_t> piBase;
     std::vector<std::uint16_t> piOffset;
+
+    // x / p_k (the k-th prime, p_k < 2^16) for any 32-bit x, by one product
+    // with ceil(2^64 / p_k): the error stays below 2^-32 < 1 / p_k.
+    std::vector<std::uint64_t> inverse;
+    std::uint32_t quotient(std::uint32_t x, std::uint32_t k) const {
+        return std::uint32_t((u128(x) * inverse[k - 1]) >> 64);
+    }
 
     std::uint32_t smallPi(std::uint32_t n) const {
         if (n < 3) return n == 2;

@@ -104,13 +104,13 @@ std::uint64_t phi(std::uint32_t x, std::uint32_t a, const PrimeTables& t) {
         const std::uint32_t rootPi = t.smallPi(integerRoot(x, 2));
         if (rootPi - a < a - kPhiClosedFormPrimes) {
             std::uint64_t survivors = 1 + t.smallPi(x) - a;
-            for (std::uint32_t j = a + 1; j <= rootPi; ++j) survivors += t.smallPi(x / t.small[j - 1]) - (j - 1);
+            for (std::uint32_t j = a + 1; j <= rootPi; ++j) survivors += t.smallPi(t.quotient(x, j)) - (j - 1);
             return survivors;
         }
     }
     std::uint64_t result = phi(x, kPhiClosedFormPrimes, t);
     for (std::uint32_t i = kPhiClosedFormPrimes + 1; i <= a; ++i) {
-        const std::uint32_t y = x / t.small[i - 1];
+        const std::uint32_t y = t.quotient(x, i);
         if (t.small[i - 2] >= y) {  // this term and all later ones are 1
             result -= a - i + 1;
             break;
@@ -134,7 +134,7 @@ std::uint32_t meissel(std::uint32_t x, const PrimeTables& t) {
     const std::uint32_t a = t.smallPi(integerRoot(x, 3));
     const std::uint32_t b = t.smallPi(integerRoot(x, 2));
     std::int64_t sum = std::int64_t(phi(x, a, t)) + a - 1;
-    for (std::uint32_t i = a + 1; i <= b; ++i) sum -= std::int64_t(t.smallPi(x / t.small[i - 1])) - (i - 1);
+    for (std::uint32_t i = a + 1; i <= b; ++i) sum -= std::int64_t(t.smallPi(t.quotient(x, i))) - (i - 1);
     return std::uint32_t(sum);
 }
 
