@@ -51,7 +51,6 @@ Timing timeSideBySide(const std::function<void()>& ours, const std::function<voi
     return best;
 }
 
-namespace {
 std::string formatSeconds(double s) {
     char buf[32];
     if (s < 1e-6)
@@ -64,7 +63,6 @@ std::string formatSeconds(double s) {
         std::snprintf(buf, sizeof buf, "%.3f s", s);
     return buf;
 }
-}  // namespace
 
 void printHeader() {
     std::printf("| operation | size | ours | GMP | ratio |\n|---|---|---|---|---|\n");

@@ -40,6 +40,8 @@ struct Row {
 };
 std::string powerOfTen(std::size_t digits);
 void printRow(const Row& row);
+// "12.34 us", "1.23 ms", ...
+std::string formatSeconds(double seconds);
 void printHeader();
 
 }  // namespace twbench

@@ -8,10 +8,12 @@
 // multiplies two numbers of DIGITS decimal digits once with one library only,
 // for measuring peak memory from outside (/usr/bin/time -v).
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -297,6 +299,30 @@ void runPrimeCases(const Options& options) {
     mpz_clear(g);
 }
 
+// pi(x) and the k-th prime of 32-bit values, which GMP does not offer: mean
+// times over random arguments, and pi's first call, which builds the tables
+// (so this runs before anything else asks for primes).
+void runPrimeCountCases(const Options& options) {
+    if (!options.only.empty() && std::string("TW_getPrimePi TW_getPrime").find(options.only) == std::string::npos) return;
+    const auto seconds = [](auto&& f) {
+        const auto start = std::chrono::steady_clock::now();
+        f();
+        return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    };
+    std::mt19937 rng(43);
+    volatile std::uint32_t sink = 0;
+    const double first = seconds([&] { sink = sink + TW_getPrimePi(rng()); });
+    const double pi = seconds([&] {
+        for (int i = 0; i < 2000; ++i) sink = sink + TW_getPrimePi(rng());
+    }) / 2000;
+    const double nth = seconds([&] {
+        for (int i = 0; i < 50; ++i) sink = sink + TW_getPrime(1 + rng() % 203280221u);
+    }) / 50;
+    std::printf("| TW_getPrimePi, first call | 32 bits | %s | - | - |\n", formatSeconds(first).c_str());
+    std::printf("| TW_getPrimePi, mean | 32 bits | %s | - | - |\n", formatSeconds(pi).c_str());
+    std::printf("| TW_getPrime, mean | 32 bits | %s | - | - |\n", formatSeconds(nth).c_str());
+}
+
 void runPowModCases(const Options& options) {
     for (const PowModCase& c : kPowModCases) {
         if (!options.only.empty() && std::string(c.name).find(options.only) == std::string::npos) continue;
@@ -399,6 +425,7 @@ int main(int argc, char** argv) {
         }
     }
     runPowModCases(options);
+    runPrimeCountCases(options);
     runPrimeCases(options);
     runIndexCases(options);
     return 0;
