@@ -62,19 +62,21 @@ inline std::uint64_t wordsModSmall(const std::uint64_t* n, std::size_t size, std
 
 }  // namespace detail
 
-// Whether n passes the strong test to the base given in Montgomery form
-// (a non-zero residue).  A raised terminate flag makes it pass.
-template <class Ring>
-bool strongProbablePrime(Ring& ring, const std::vector<std::uint64_t>& n, const typename Ring::Element& base) {
-    const std::size_t size = ring.size();
+namespace detail {
+
+// The strong test: x = base^d for n - 1 = d 2^s, d odd, left to right from
+// x = base with timesBase(x) taking x to x base; then n passes when x is 1
+// or one of x, x^2, ..., x^(2^(s-1)) is -1.  A raised terminate flag makes it pass.
+template <class Ring, class TimesBase>
+bool strongTest(Ring& ring, const std::vector<std::uint64_t>& n, typename Ring::Element x, TimesBase timesBase) {
     std::vector<std::uint64_t> d = n;
     d[0] -= 1;  // n odd: no borrow
-    const std::size_t s = detail::stripTwos(d);
-    typename Ring::Element x = base, minusOne(size), zero(size, 0);
+    const std::size_t s = stripTwos(d);
+    typename Ring::Element minusOne(ring.size()), zero(ring.size(), 0);
     ring.sub(minusOne.data(), zero.data(), ring.one().data());
-    for (std::size_t i = detail::wordBitLength(d) - 1; i-- > 0;) {
+    for (std::size_t i = wordBitLength(d) - 1; i-- > 0;) {
         ring.sqr(x.data(), x.data());
-        if (detail::wordBit(d, i)) ring.mul(x.data(), x.data(), base.data());
+        if (wordBit(d, i)) timesBase(x);
         if ((i & 63) == 0 && terminateRequested()) return true;
     }
     if (ring.equal(x.data(), ring.one().data()) || ring.equal(x.data(), minusOne.data())) return true;
@@ -86,28 +88,21 @@ bool strongProbablePrime(Ring& ring, const std::vector<std::uint64_t>& n, const 
     return false;
 }
 
+}  // namespace detail
+
+// Whether n passes the strong test to the base given in the ring's form (a
+// non-zero residue).
+template <class Ring>
+bool strongProbablePrime(Ring& ring, const std::vector<std::uint64_t>& n, const typename Ring::Element& base) {
+    return detail::strongTest(ring, n, base, [&](typename Ring::Element& x) { ring.mul(x.data(), x.data(), base.data()); });
+}
+
 // The strong test to the base 2: 2^d by squarings and doublings only.
 template <class Ring>
 bool strongProbablePrimeBaseTwo(Ring& ring, const std::vector<std::uint64_t>& n) {
-    const std::size_t size = ring.size();
-    std::vector<std::uint64_t> d = n;
-    d[0] -= 1;
-    const std::size_t s = detail::stripTwos(d);
-    typename Ring::Element x = ring.one(), minusOne(size), zero(size, 0);
-    ring.sub(minusOne.data(), zero.data(), ring.one().data());
-    ring.add(x.data(), x.data(), x.data());
-    for (std::size_t i = detail::wordBitLength(d) - 1; i-- > 0;) {
-        ring.sqr(x.data(), x.data());
-        if (detail::wordBit(d, i)) ring.add(x.data(), x.data(), x.data());
-        if ((i & 63) == 0 && terminateRequested()) return true;
-    }
-    if (ring.equal(x.data(), ring.one().data()) || ring.equal(x.data(), minusOne.data())) return true;
-    for (std::size_t r = 1; r < s; ++r) {
-        ring.sqr(x.data(), x.data());
-        if (ring.equal(x.data(), minusOne.data())) return true;
-        if (ring.equal(x.data(), ring.one().data())) return false;
-    }
-    return false;
+    typename Ring::Element two = ring.one();
+    ring.add(two.data(), two.data(), two.data());
+    return detail::strongTest(ring, n, two, [&](typename Ring::Element& x) { ring.add(x.data(), x.data(), x.data()); });
 }
 
 // Selfridge's D: the first of 5, -7, 9, -11, ... with (D / n) = -1; 0 when a
