@@ -1,33 +1,30 @@
 #include "numtheory/prime_tables.h"
 
 #include <algorithm>
+#include <bit>
 #include <cassert>
 
 namespace tw::numtheory {
 namespace {
 
 // Every prime up to the small limit by the sieve of Eratosthenes over the odd
-// numbers (byte i stands for 2i + 1), and pi at each odd number from the same
-// pass.
+// numbers (byte i stands for 2i + 1), and the counts of odd primes.
 void sieveSmall(PrimeTables& t) {
     const std::uint32_t half = kSmallPrimeLimit / 2 + 1;
-    std::vector<std::uint8_t> composite(half, 0);
-    composite[0] = 1;  // 1
+    std::vector<std::uint64_t> prime = allOdd(half);  // bit k: 2k + 1
+    const auto strike = [&](std::uint32_t k) { prime[k / 64] &= ~(1ull << (k % 64)); };
+    strike(0);  // 1
     for (std::uint32_t i = 1; (2 * i + 1) * (2 * i + 1) <= kSmallPrimeLimit; ++i) {
-        if (composite[i]) continue;
+        if (((prime[i / 64] >> (i % 64)) & 1) == 0) continue;
         const std::uint32_t p = 2 * i + 1;
-        for (std::uint32_t j = (p * p) / 2; j < half; j += p) composite[j] = 1;
+        for (std::uint32_t j = (p * p) / 2; j < half; j += p) strike(j);
     }
     t.small.reserve(kSmallPrimeCount);
     t.small.push_back(2);
-    t.piOffset.resize(half);
-    t.piBase.resize((half >> 15) + 1);
-    std::uint32_t count = 1;  // the prime 2
-    for (std::uint32_t k = 0; k < half; ++k) {
-        if ((k & 0x7FFF) == 0) t.piBase[k >> 15] = count + (composite[k] ^ 1);
-        if (!composite[k]) t.small.push_back(2 * k + 1), ++count;
-        t.piOffset[k] = std::uint16_t(count - t.piBase[k >> 15]);
-    }
+    for (std::uint32_t w = 0; w < prime.size(); ++w)
+        for (std::uint64_t bits = prime[w]; bits != 0; bits &= bits - 1)
+            t.small.push_back(2 * (64 * w + std::uint32_t(std::countr_zero(bits))) + 1);
+    t.oddPrimes.build(prime.data(), half);
 }
 
 std::vector<std::uint32_t> topPrimes() {
@@ -41,36 +38,23 @@ std::vector<std::uint32_t> topPrimes() {
     return primes;
 }
 
-// counts[r] for r < P: how many of 1..r are prime to each of the first a
-// primes, whose product P is.
-std::vector<std::uint32_t> coprimeCounts(const std::uint32_t* primes, int a, std::uint32_t P) {
-    std::vector<std::uint8_t> shared(P, 0);
-    shared[0] = 1;
-    for (int i = 0; i < a; ++i)
-        for (std::uint32_t m = primes[i]; m < P; m += primes[i]) shared[m] = 1;
-    std::vector<std::uint32_t> counts(P);
-    for (std::uint32_t r = 0, running = 0; r < P; ++r) {
-        running += shared[r] ^ 1;
-        counts[r] = running;
-    }
-    return counts;
+// The odd numbers below P prime to each of the first a primes (a >= 1),
+// whose product P is.
+void buildCoprime(OddCounts& counts, const std::uint32_t* primes, int a, std::uint32_t P) {
+    std::vector<std::uint64_t> coprime = allOdd(P / 2);  // bit k: 2k + 1
+    for (int i = 1; i < a; ++i)
+        for (std::uint32_t k = primes[i] / 2; k < P / 2; k += primes[i]) coprime[k / 64] &= ~(1ull << (k % 64));
+    counts.build(coprime.data(), P / 2);
 }
 
 // The bit sets of phi(y, b) for the cached b, each from the one before.
 void buildPhiCache(PrimeTables& t) {
-    constexpr std::uint32_t words = kPhiCacheLimit / 128;
-    std::vector<std::uint64_t> survivors(words, ~0ull);  // bit k: 2k + 1, from 1 on
+    constexpr std::uint32_t odd = kPhiCacheLimit / 2;
+    std::vector<std::uint64_t> survivors = allOdd(odd);  // bit k: 2k + 1, from 1 on
     for (std::uint32_t b = 2; b <= kPhiCachePrimes; ++b) {
-        const std::uint64_t p = t.small[b - 1];
-        for (std::uint64_t k = p / 2; k < 64ull * words; k += p) survivors[k / 64] &= ~(1ull << (k % 64));
-        if (b <= std::uint32_t(kPhiClosedFormPrimes)) continue;
-        const std::size_t level = b - kPhiClosedFormPrimes - 1;
-        t.phiBits[level] = survivors;
-        t.phiBefore[level].resize(words);
-        for (std::uint32_t w = 0, count = 0; w < words; ++w) {
-            t.phiBefore[level][w] = count;
-            count += setBits(survivors[w]);
-        }
+        const std::uint32_t p = t.small[b - 1];
+        for (std::uint32_t k = p / 2; k < odd; k += p) survivors[k / 64] &= ~(1ull << (k % 64));
+        if (b > std::uint32_t(kPhiClosedFormPrimes)) t.phiCache[b - kPhiClosedFormPrimes - 1].build(survivors.data(), odd);
     }
 }
 
@@ -78,11 +62,7 @@ PrimeTables build() {
     PrimeTables t;
     sieveSmall(t);
     t.top = topPrimes();
-    t.primorial[0] = 1;
-    for (int a = 0; a <= kPhiClosedFormPrimes; ++a) {
-        if (a > 0) t.primorial[a] = t.primorial[a - 1] * t.small[a - 1];
-        t.phiCounts[a] = coprimeCounts(t.small.data(), a, t.primorial[a]);
-    }
+    for (int a = 1; a <= kPhiClosedFormPrimes; ++a) buildCoprime(t.coprime[a], t.small.data(), a, kPrimorial[a]);
     for (const std::uint32_t p : t.small) {
         if (p >= (1u << 16)) break;
         t.inverse.push_back(p == 2 ? std::uint64_t(1) << 63 : ~std::uint64_t(0) / p + 1);

@@ -26,27 +26,68 @@ inline constexpr int kPhiClosedFormPrimes = 7;
 
 // The set bits of a word in a few arithmetic steps: std::popcount becomes a
 // library call on processors the build does not assume popcnt for.
-inline std::uint32_t setBits(std::uint64_t v) {
-    v -= (v >> 1) & 0x5555555555555555ull;
-    v = (v & 0x3333333333333333ull) + ((v >> 2) & 0x3333333333333333ull);
-    v = (v + (v >> 4)) & 0x0F0F0F0F0F0F0F0Full;
-    return std::uint32_t((v * 0x0101010101010101ull) >> 56);
+inline std::uint32_t setBits(std::uint32_t v) {
+    v -= (v >> 1) & 0x55555555u;
+    v = (v & 0x33333333u) + ((v >> 2) & 0x33333333u);
+    v = (v + (v >> 4)) & 0x0F0F0F0Fu;
+    return (v * 0x01010101u) >> 24;
+}
+
+// A set of odd numbers that answers "how many members up to y" with one
+// cache line: each 32 odd numbers share a word of membership bits and the
+// count of members below them.
+class OddCounts {
+public:
+    struct Word {
+        std::uint32_t before, bits;
+    };
+    // From a bit set over the odd numbers: bit k of bits[k / 64] says whether
+    // 2k + 1 belongs, for k < oddCount (the bits past it must be clear).
+    void build(const std::uint64_t* bits, std::uint32_t oddCount) {
+        words_.resize(oddCount / 32 + 1);
+        std::uint32_t count = 0;
+        for (std::size_t w = 0; w < words_.size(); ++w) {
+            const std::uint32_t word = std::uint32_t(bits[w / 2] >> (32 * (w % 2)));
+            words_[w] = Word{count, word};
+            count += setBits(word);
+        }
+    }
+    Word word(std::uint32_t k) const { return words_[k / 32]; }  // the word of 2k + 1
+    // Members among 1, 3, ..., up to y (y at most 2 * oddCount).
+    std::uint32_t upTo(std::uint32_t y) const {
+        if (y == 0) return 0;
+        const std::uint32_t k = (y - 1) / 2;  // 2k + 1: the greatest odd number up to y
+        const Word w = word(k);
+        return w.before + setBits(w.bits & (0xFFFFFFFFu >> (31 - k % 32)));
+    }
+
+private:
+    std::vector<Word> words_;
+};
+
+// A bit set over the odd numbers below 2 * oddCount, all set, padded to the
+// words OddCounts::build reads.
+inline std::vector<std::uint64_t> allOdd(std::uint32_t oddCount) {
+    std::vector<std::uint64_t> bits(oddCount / 64 + 2, 0);
+    for (std::uint32_t w = 0; w < oddCount / 64; ++w) bits[w] = ~0ull;
+    if (oddCount % 64 != 0) bits[oddCount / 64] = (1ull << (oddCount % 64)) - 1;
+    return bits;
 }
 
 // phi(y, b) is looked up for y below this and b up to this many primes.
 inline constexpr std::uint32_t kPhiCacheLimit = 1u << 18;
 inline constexpr std::uint32_t kPhiCachePrimes = 100;
 
+// The product of the first a primes, a <= 7.
+inline constexpr std::uint32_t kPrimorial[kPhiClosedFormPrimes + 1] = {1, 2, 6, 30, 210, 2310, 30030, 510510};
+
 struct PrimeTables {
     std::vector<std::uint32_t> small;  // 2, 3, 5, ..., 2 643 899
     std::vector<std::uint32_t> top;    // 4 294 875 367, ..., 4 294 967 291
-    std::uint32_t primorial[kPhiClosedFormPrimes + 1];
-    // phiCounts[a][r]: numbers in [1, r] prime to the first a primes, r < P.
-    std::vector<std::uint32_t> phiCounts[kPhiClosedFormPrimes + 1];
-    // pi(n) for n up to the small limit in two loads: for the odd number
-    // 2k + 1, piBase[k >> 15] + piOffset[k].
-    std::vector<std::uint32_t> piBase;
-    std::vector<std::uint16_t> piOffset;
+    // coprime[a]: the odd numbers below the a-th primorial P prime to the
+    // first a primes (1 <= a <= 7), so phi(r, a) = coprime[a].upTo(r), r < P.
+    OddCounts coprime[kPhiClosedFormPrimes + 1];
+    OddCounts oddPrimes;  // 3, 5, 7, ..., 2 643 899
 
     // x / p_k (the k-th prime, p_k < 2^16) for any 32-bit x, by one product
     // with ceil(2^64 / p_k): the error stays below 2^-32 < 1 / p_k.
@@ -55,25 +96,12 @@ struct PrimeTables {
         return std::uint32_t((u128(x) * inverse[k - 1]) >> 64);
     }
 
-    std::uint32_t smallPi(std::uint32_t n) const {
-        if (n < 3) return n == 2;
-        const std::uint32_t k = (n - 1) / 2;  // 2k + 1: the greatest odd number up to n
-        return piBase[k >> 15] + piOffset[k];
-    }
+    // pi(n) for n up to the small limit.
+    std::uint32_t smallPi(std::uint32_t n) const { return n < 2 ? 0 : 1 + oddPrimes.upTo(n); }
 
-    // phi(y, b) for 8 <= b <= kPhiCachePrimes and y < kPhiCacheLimit: bit k of
-    // phiBits[b - 8] is set when 2k + 1 has no prime factor among the first b
-    // primes, phiBefore counts the set bits before each word.
-    std::vector<std::uint64_t> phiBits[kPhiCachePrimes - kPhiClosedFormPrimes];
-    std::vector<std::uint32_t> phiBefore[kPhiCachePrimes - kPhiClosedFormPrimes];
-
-    std::uint32_t cachedPhi(std::uint32_t y, std::uint32_t b) const {
-        if (y == 0) return 0;
-        const std::uint32_t k = (y - 1) / 2;  // 2k + 1: the greatest odd number up to y
-        const std::uint64_t below = k % 64 == 63 ? ~0ull : (2ull << (k % 64)) - 1;
-        const std::size_t level = b - kPhiClosedFormPrimes - 1;
-        return phiBefore[level][k / 64] + setBits(phiBits[level][k / 64] & below);
-    }
+    // phi(y, b) for 8 <= b <= kPhiCachePrimes and y < kPhiCacheLimit: the odd
+    // numbers below the limit with no prime factor among the first b primes.
+    OddCounts phiCache[kPhiCachePrimes - kPhiClosedFormPrimes];
 };
 
 const PrimeTables& primeTables();

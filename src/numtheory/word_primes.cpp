@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <bit>
-#include <cmath>
 #include <vector>
 
 #include "arith/tuning.h"
+#include "numtheory/meissel_count.h"
 #include "numtheory/prime_tables.h"
 
 namespace tw::numtheory {
@@ -69,73 +69,6 @@ bool inTable(const std::vector<std::uint32_t>& table, std::uint32_t n) {
 // Entries of the table not above n.
 std::uint32_t countNotAbove(const std::vector<std::uint32_t>& table, std::uint32_t n) {
     return std::uint32_t(std::upper_bound(table.begin(), table.end(), n) - table.begin());
-}
-
-std::uint32_t integerRoot(std::uint64_t x, int n) {
-    std::uint64_t r = std::uint64_t(std::pow(double(x), 1.0 / n));
-    const auto power = [n](std::uint64_t v) {
-        std::uint64_t p = 1;
-        for (int i = 0; i < n; ++i) p *= v;
-        return p;
-    };
-    while (r > 0 && power(r) > x) --r;
-    while (power(r + 1) <= x) ++r;
-    return std::uint32_t(r);
-}
-
-// phi(x, a): how many of 1..x have no prime factor among the first a primes,
-// by Legendre's recursion phi(x, a) = phi(x, a - 1) - phi(x / p_a, a - 1)
-// unrolled down to the closed form of the first seven primes, and cut short
-// where the survivors are known: none but 1 when p_a >= x, 1 and the primes
-// above p_a below p_(a+1)^2, the cached bit sets for small x and a.
-std::uint64_t phi(std::uint32_t x, std::uint32_t a, const PrimeTables& t) {
-    if (a <= std::uint32_t(kPhiClosedFormPrimes)) {
-        static constexpr std::uint32_t kTotientOfPrimorial[8] = {1, 1, 2, 8, 48, 480, 5760, 92160};
-        const std::uint32_t P = t.primorial[a];
-        return std::uint64_t(x / P) * kTotientOfPrimorial[a] + t.phiCounts[a][x % P];
-    }
-    if (t.small[a - 1] >= x) return x == 0 ? 0 : 1;
-    const std::uint64_t next = t.small[a];
-    if (x <= kSmallPrimeLimit && x < next * next) return 1 + t.smallPi(x) - a;
-    if (x < kPhiCacheLimit && a <= kPhiCachePrimes) return t.cachedPhi(x, a);
-    if (x <= kSmallPrimeLimit && x < next * next * next) {
-        // Below p_(a+1)^3 the survivors past the primes are products of two
-        // primes above p_a: fewer terms than the recursion when p_a is large.
-        const std::uint32_t rootPi = t.smallPi(integerRoot(x, 2));
-        if (rootPi - a < a - kPhiClosedFormPrimes) {
-            std::uint64_t survivors = 1 + t.smallPi(x) - a;
-            for (std::uint32_t j = a + 1; j <= rootPi; ++j) survivors += t.smallPi(t.quotient(x, j)) - (j - 1);
-            return survivors;
-        }
-    }
-    std::uint64_t result = phi(x, kPhiClosedFormPrimes, t);
-    for (std::uint32_t i = kPhiClosedFormPrimes + 1; i <= a; ++i) {
-        const std::uint32_t y = t.quotient(x, i);
-        if (t.small[i - 2] >= y) {  // this term and all later ones are 1
-            result -= a - i + 1;
-            break;
-        }
-        // The leaves the loop meets most, without a call.
-        const std::uint64_t p = t.small[i - 1];
-        if (y < p * p && y <= kSmallPrimeLimit)
-            result -= 1 + t.smallPi(y) - (i - 1);
-        else if (y < kPhiCacheLimit && i - 1 <= kPhiCachePrimes && i - 1 > kPhiClosedFormPrimes)
-            result -= t.cachedPhi(y, i - 1);
-        else
-            result -= phi(y, i - 1, t);
-    }
-    return result;
-}
-
-// Meissel's formula: with a = pi(x^(1/3)) and b = pi(x^(1/2)),
-// pi(x) = phi(x, a) + a - 1 - sum over a < i <= b of (pi(x / p_i) - (i - 1)).
-// Every x / p_i there lies below x^(2/3), inside the small table.
-std::uint32_t meissel(std::uint32_t x, const PrimeTables& t) {
-    const std::uint32_t a = t.smallPi(integerRoot(x, 3));
-    const std::uint32_t b = t.smallPi(integerRoot(x, 2));
-    std::int64_t sum = std::int64_t(phi(x, a, t)) + a - 1;
-    for (std::uint32_t i = a + 1; i <= b; ++i) sum -= std::int64_t(t.smallPi(t.quotient(x, i))) - (i - 1);
-    return std::uint32_t(sum);
 }
 
 // Primes in [low, high] by sieving windows of the range; stops after
@@ -232,7 +165,7 @@ std::uint32_t primePi(std::uint32_t n) {
         return t.smallPi(n);
     }
     if (n >= kTopPrimeStart) return kPrimesBelowTop + countNotAbove(t.top, n);
-    return meissel(n, t);
+    return meisselCount(n, t);
 }
 
 std::uint32_t nthPrime(std::uint32_t k) {

@@ -69,11 +69,18 @@ TEST_F(Clean, WordPrimesMatchASieveOverBothTablesAndTheStrongTestsRange) {
 
 TEST_F(Clean, WordPrimeCountsAndIndicesAtKnownValues) {
     const std::uint32_t piOfPowersOfTen[] = {0, 4, 25, 168, 1229, 9592, 78498, 664579, 5761455, 50847534};
-    for (std::uint32_t k = 0, v = 1; k < 10; ++k, v *= 10) EXPECT_EQ(TW_getPrimePi(v), piOfPowersOfTen[k]) << v;
-    EXPECT_EQ(TW_getPrimePi(1024), 172u);
-    EXPECT_EQ(TW_getPrimePi(1u << 31), 105097565u);
-    EXPECT_EQ(TW_getPrimePi(4294875366u), 203276124u);
-    EXPECT_EQ(TW_getPrimePi(4294967295u), 203280221u);
+    std::mt19937 rng(43);
+    std::vector<std::uint32_t> x(64), pi(64);
+    for (std::size_t i = 0; i < x.size(); ++i) pi[i] = TW_getPrimePi(x[i] = rng());
+    for (const PathCase& path : kernelPaths()) {  // popcnt or plain bit counts: the same pi
+        Pinned pinned(path);
+        for (std::uint32_t k = 0, v = 1; k < 10; ++k, v *= 10) EXPECT_EQ(TW_getPrimePi(v), piOfPowersOfTen[k]) << v;
+        EXPECT_EQ(TW_getPrimePi(1024), 172u);
+        EXPECT_EQ(TW_getPrimePi(1u << 31), 105097565u);
+        EXPECT_EQ(TW_getPrimePi(4294875366u), 203276124u);
+        EXPECT_EQ(TW_getPrimePi(4294967295u), 203280221u);
+        for (std::size_t i = 0; i < x.size(); ++i) ASSERT_EQ(TW_getPrimePi(x[i]), pi[i]) << path.name << " " << x[i];
+    }
     const std::pair<std::uint32_t, std::uint32_t> nth[] = {
         {0, 0}, {1, 2}, {192836, 2643899}, {192837, 2643913}, {664579, 9999991}, {664580, 10000019},
         {5761455, 99999989}, {50847534, 999999937}, {50847535, 1000000007}, {203276125, 4294875367u},
