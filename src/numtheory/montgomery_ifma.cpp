@@ -26,7 +26,9 @@
 // GCC 12's 512-bit intrinsics pass an undefined vector as the (unused)
 // merge source and then warn that it is or may be uninitialized.
 #ifndef __clang__
+#if !defined(__clang__)
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#endif
 #pragma GCC diagnostic ignored "-Wuninitialized"
 #endif
 #define TW_HAVE_IFMA 1

@@ -12,10 +12,13 @@ template <class F> struct Ops;
 #define COMB_OPS(Fam, P, S)                                                                                  \
     template <> struct Ops<Fam> {                                                                            \
         static constexpr auto factorial = P##_factorial, factorial2 = P##_factorial2,                        \
-                              primorial = P##_primeFactorial, fibonacci = P##_fibonacci, lucas = P##_lucas;  \
+                              primorial = P##_primeFactorial;                                                \
+        static constexpr auto fibonacci = P##_fibonacci, lucas = P##_lucas;                                  \
         static constexpr auto combination = P##_combination, permutation = P##_permutation;                  \
-        static constexpr auto productWords = P##_product_v32, product = P##_product_v##S;                    \
-        static constexpr auto sumsWords = P##_sumsOfLikePowers_v32, sums = P##_sumsOfLikePowers_v##S;        \
+        static constexpr auto productWords = P##_product_v32;                                                \
+        static constexpr auto product = P##_product_v##S;                                                    \
+        static constexpr auto sumsWords = P##_sumsOfLikePowers_v32;                                          \
+        static constexpr auto sums = P##_sumsOfLikePowers_v##S;                                              \
     }
 COMB_OPS(DecimalFamily, HI, hi);
 COMB_OPS(BinaryFamily, HX, hx);

@@ -14,8 +14,10 @@ namespace {
 template <class F> struct Ops;
 #define PRIME_OPS(Fam, P)                                                                                  \
     template <> struct Ops<Fam> {                                                                          \
-        static constexpr auto isPrime = P##_isPrime, test = P##_testPrimality, next = P##_nextPrime,      \
-                              previous = P##_previousPrime, generate = P##_generatePrime;                  \
+        static constexpr auto isPrime = P##_isPrime;                                                       \
+        static constexpr auto test = P##_testPrimality;                                                    \
+        static constexpr auto next = P##_nextPrime, previous = P##_previousPrime;                          \
+        static constexpr auto generate = P##_generatePrime;                                                \
     }
 PRIME_OPS(DecimalFamily, HI);
 PRIME_OPS(BinaryFamily, HX);

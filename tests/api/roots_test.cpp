@@ -10,8 +10,10 @@ namespace {
 template <class F> struct Ops;
 #define ROOT_OPS(Fam, P)                                                                                   \
     template <> struct Ops<Fam> {                                                                          \
-        static constexpr auto rootRem = P##_rootRem, log = P##_log, logWord = P##_log_u32, floor = P##_floor, \
-                              truncate = P##_truncate, ceil = P##_ceil;                                    \
+        static constexpr auto rootRem = P##_rootRem;                                                       \
+        static constexpr auto log = P##_log;                                                               \
+        static constexpr auto logWord = P##_log_u32;                                                       \
+        static constexpr auto floor = P##_floor, truncate = P##_truncate, ceil = P##_ceil;                 \
     }
 ROOT_OPS(DecimalFamily, HI);
 ROOT_OPS(BinaryFamily, HX);

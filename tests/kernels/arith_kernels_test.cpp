@@ -294,9 +294,9 @@ TYPED_TEST(Kernels, RungsCalledDirectly) {
         {A::mulLadder<R>, {{700, 650}, {2000, 300}}},
     };
     std::uint64_t seed = 60;
-    for (const auto& [rung, sizes] : rungs)
+    for (const auto& [mulRung, sizes] : rungs)
         run(KernelRow<R>{"rung", sizes, total,
-                         [rung](Limb* o, const Limb* a, std::size_t an, const Limb* b, std::size_t bn) {
+                         [rung = mulRung](Limb* o, const Limb* a, std::size_t an, const Limb* b, std::size_t bn) {
                              A::LimbScratch scratch(1);  // grows past a poor first block
                              rung(o, a, an, b, bn, scratch);
                          },
@@ -307,11 +307,11 @@ TYPED_TEST(Kernels, RungsCalledDirectly) {
         {A::sqrToom3<R>, {3, 4, 5, 257, 258, 259, 400, 511}},
         {A::sqrLadder<R>, {700}},
     };
-    for (const auto& [rung, lengths] : squares) {
+    for (const auto& [sqrRung, lengths] : squares) {
         Sizes sizes;
         for (std::size_t n : lengths) sizes.push_back({n, 0});
         run(KernelRow<R>{"square rung", sizes, twice,
-                         [rung](Limb* o, const Limb* a, std::size_t n, const Limb*, std::size_t) {
+                         [rung = sqrRung](Limb* o, const Limb* a, std::size_t n, const Limb*, std::size_t) {
                              A::LimbScratch scratch(1);
                              rung(o, a, n, scratch);
                          },

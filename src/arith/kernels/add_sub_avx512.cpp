@@ -22,7 +22,9 @@
 #include <immintrin.h>
 // GCC 12's 512-bit min intrinsic passes an undefined vector as the (unused)
 // merge source and then warns that it may be uninitialized.
+#if !defined(__clang__)
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#endif
 #define TW_HAVE_WIDE_ADD_SUB 1
 #else
 #define TW_HAVE_WIDE_ADD_SUB 0

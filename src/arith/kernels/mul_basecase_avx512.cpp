@@ -25,7 +25,9 @@
 #include <immintrin.h>
 // GCC 12's 512-bit multiply and shift intrinsics pass an undefined vector as
 // the (unused) merge source and then warn that it may be uninitialized.
+#if !defined(__clang__)
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#endif
 #define TW_HAVE_WIDE_LANES 1
 #else
 #define TW_HAVE_WIDE_LANES 0

@@ -12,8 +12,13 @@
 #include "arith/kernels/ntt/roots_of_unity.h"
 #include "arith/kernels/ntt/transform_plan.h"
 
+// clang takes the target of a region from its own pragma.
+#if defined(__clang__)
+#pragma clang attribute push(__attribute__((target("avx2"))), apply_to = function)
+#else
 #pragma GCC push_options
 #pragma GCC target("avx2")
+#endif
 
 #include "arith/kernels/ntt/lanes_avx2.h"
 #include "arith/kernels/ntt/modular_lanes.h"
@@ -25,7 +30,11 @@ constexpr TransformKernels kAvx2Kernels = makeKernels<Avx2Lanes>();
 }
 }  // namespace tw::arith::ntt
 
+#if defined(__clang__)
+#pragma clang attribute pop
+#else
 #pragma GCC pop_options
+#endif
 
 namespace tw::arith::ntt {
 const TransformKernels& avx2Kernels() { return kAvx2Kernels; }
