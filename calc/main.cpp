@@ -61,9 +61,20 @@ constexpr const char* kUsage = "usage: twcalc [--hex] [--radix N] [--group] [--f
                 "  --time         print the time each evaluation took\n"
                 "  -h, --help     this text\n"
                 "  --version      the library's version\n\n"
-                "Expressions: integers (decimal or 0x hexadecimal), variables (x = ...; ans\n"
-                "is the last result), + - * / %% ^ << >>, comparisons < <= > >= == != giving\n"
-                "1 or 0, parentheses. Division truncates toward zero.\n\n"
+                "Expressions: integers (decimal, 0x hexadecimal, 0b binary), variables\n"
+                "(x = ...; ans is the last result), parentheses, # to the end of the line is\n"
+                "a comment. Operators, tightest first:\n"
+                "  n!             factorial\n"
+                "  ^              power, right-associative (-2^2 = -4, 2^3^2 = 512)\n"
+                "  - +            signs\n"
+                "  * / %%          division truncates toward zero\n"
+                "  + -\n"
+                "  << >>\n"
+                "  &              bitwise and, |a| & |b|, negative if both are\n"
+                "  |              bitwise or, |a| | |b|, negative if either is\n"
+                "  < <= > >= == != giving 1 or 0; they do not chain\n"
+                "xor(a, b) is the exclusive or, negative if exactly one is. Nesting is\n"
+                "limited to 10000 levels; chains of operators are not.\n\n"
                 "Functions:\n",
                 kUsage);
     for (const auto& [name, f] : functionTable()) std::printf("  %-16s %s\n", f.usage, f.description);
@@ -112,7 +123,7 @@ Options parseArguments(int argc, char** argv) {
 bool runLine(Calculator& calc, const std::string& line, const Options& options) {
     try {
         const Statement statement = parseLine(line);
-        if (!statement.expression) return true;
+        if (statement.program.empty()) return true;
         if (options.time) {
             TW_resetTimer(0, 0);
             TW_enableTimer(1);

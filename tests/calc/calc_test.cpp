@@ -37,7 +37,8 @@ TEST(Calculator, EvaluatesExpressions) {
         {"fact(20) / fact2(20) - fact2(19) + primorial(30)", "6469693230"}, {"binomial(50, 25) - perm(5, 2)", "126410606437732"},
         {"fib(-100) + lucas(-9)", "-354224848179261915151"}, {"5! == 120", "1"},
         {"isprime(2^127-1)", "1"}, {"nextprime(2^64)", "18446744073709551629"}, {"prevprime(2^64)", "18446744073709551557"},
-        {"pi(10^9)", "50847534"}, {"prime(10^6)", "15485863"}, {"digits(genprime(30)) + isprime(genprime(30))", "31"}};
+        {"pi(10^9)", "50847534"}, {"-6 & 3", "2"}, {"-6 | 3 # sign-magnitude", "-7"}, {"xor(-6, -3)", "5"},
+        {"xor(2^100, 1) - 2^100", "1"}, {"1 | 2 & 3 == 3", "1"}, {"1 << 2 | 1 + 1", "6"}, {"0b1011 + 0B1 - 0x0c", "0"}, {"prime(10^6)", "15485863"}, {"digits(genprime(30)) + isprime(genprime(30))", "31"}};
     for (const auto& [line, want] : cases) EXPECT_EQ(eval(line), want) << line;
     Calculator calc;
     EXPECT_EQ(eval(calc, "x = 3^100"), "515377520732011331036461129765621272702107522001");
@@ -57,9 +58,10 @@ TEST(Calculator, ErrorsCarryTheirColumn) {
         return 0;
     };
     const std::pair<const char*, std::size_t> bad[] = {{"2 +* 3", 4}, {"(1 + 2", 7}, {"1 + 2)", 6}, {"3 $ 4", 3}, {"0x", 1},
-                                                       {"12ab", 3},   {"1 < 2 < 3", 7}, {"f(1,", 5}, {"", 0}};
+                                                       {"12ab", 3},   {"1 < 2 < 3", 7}, {"f(1,", 5}, {"", 0},
+                                                       {"0b", 1},     {"0b102", 5},  {"1 & | 2", 5}, {"(1, 2)", 3}, {"f(1 2)", 5}};
     for (const auto& [line, column] : bad) EXPECT_EQ(syntax(line), column) << line;
-    EXPECT_FALSE(parseLine("   ").expression);
+    EXPECT_TRUE(parseLine("  # a comment").program.empty());
     Calculator calc;
     auto evaluation = [&](const std::string& line) -> std::size_t {
         try {
@@ -125,8 +127,18 @@ TEST(TwcalcProgram, AnswersOptionsAndErrors) {
     }
     EXPECT_EQ(twcalc("--radix 1 '5'").exitCode, 2);
     const ProgramRun help = twcalc("-h");
-    EXPECT_TRUE(help.exitCode == 0 && help.out.find("\n  root(a, n) ") != std::string::npos) << help.out;
+    EXPECT_TRUE(help.exitCode == 0 && help.out.find("\n  root(a, n) ") != std::string::npos &&
+                help.out.find("\n  xor(a, b) ") != std::string::npos && help.out.find("\n  &  ") != std::string::npos) << help.out;
     EXPECT_EQ(twcalc("--version").out.rfind("twcalc, Tarnwick V", 0), 0u);
+    // Long chains and deep nesting parse without recursion; past the nesting
+    // limit a clear error, and the session goes on.
+    std::string sum = "1";
+    for (int i = 1; i < 100000; ++i) sum += "+1";
+    auto nested = [](std::size_t depth) { return std::string(depth, '(') + "7" + std::string(depth, ')'); };
+    const ProgramRun deep = twcalc("", sum + "\n" + nested(10000) + "\n" + nested(100000) + "\n" + std::string(10001, '-') + "1\n6*7\n");
+    EXPECT_EQ(deep.out, "100000\n7\n42\n");
+    EXPECT_EQ(deep.err, "syntax error at column 10001: expression nested too deeply (more than 10000 levels)\n"
+                        "syntax error at column 10001: expression nested too deeply (more than 10000 levels)\n");
     const ProgramRun lines = twcalc("", "x = 6\n\nx * 7\n1 / 0\nans + 1\n");
     EXPECT_EQ(lines.out, "6\n42\n43\n");
     EXPECT_EQ(lines.err, "error: division by zero\n");
