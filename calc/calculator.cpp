@@ -208,7 +208,12 @@ std::string resultText(const Integer& value, const OutputOptions& options) {
     // own; other radices are grouped by four as well.
     const std::uint8_t flags = options.group ? TEXT_GROUP : 0;
     const std::uint32_t groupLength = options.radix == 10 ? 3 : 4;
-    return value.to_string(options.radix, flags, groupLength);
+    std::string text = value.to_string(options.radix, flags, groupLength);
+    // The library sets a grouped hexadecimal number apart from its "0x"; the
+    // calculator writes the prefix against the digits, as it reads them.
+    const std::size_t prefix = text.find("0x ");
+    if (prefix <= 1) text.erase(prefix + 2, 1);
+    return text;
 }
 
 std::string displayText(const std::string& text, const OutputOptions& options) {
@@ -217,14 +222,17 @@ std::string displayText(const std::string& text, const OutputOptions& options) {
     std::size_t first = 0;
     while (first < text.size() && (text[first] == '-' || text[first] == '+' || text[first] == ' ')) ++first;
     if (text.compare(first, 2, "0x") == 0) first += 2;
-    std::string digits;
-    for (std::size_t i = first; i < text.size(); ++i)
-        if (std::isalnum(static_cast<unsigned char>(text[i]))) digits += text[i];
-    if (options.full || digits.size() <= kLongest) return text;
-    std::string prefix = text.substr(0, first);
-    while (!prefix.empty() && prefix.back() == ' ') prefix.pop_back();
-    return prefix + digits.substr(0, kKeep) + "..." + digits.substr(digits.size() - kKeep) + " (" +
-           std::to_string(digits.size()) + " digits) (--full to print all)";
+    auto isDigit = [](char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0; };
+    std::size_t digits = 0;
+    for (std::size_t i = first; i < text.size(); ++i) digits += isDigit(text[i]);
+    if (options.full || digits <= kLongest) return text;
+    // The first and last kKeep digits with the separators between them, so
+    // that a grouped result stays grouped.
+    std::size_t headEnd = first, tailStart = text.size();
+    for (std::size_t kept = 0; kept < kKeep; ++headEnd) kept += isDigit(text[headEnd]);
+    for (std::size_t kept = 0; kept < kKeep;) kept += isDigit(text[--tailStart]);
+    return text.substr(0, headEnd) + "..." + text.substr(tailStart) + " (" + std::to_string(digits) +
+           " digits) (--full to print all)";
 }
 
 }  // namespace twcalc

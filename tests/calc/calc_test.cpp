@@ -112,6 +112,10 @@ TEST(TwcalcProgram, AnswersOptionsAndErrors) {
     EXPECT_EQ(twcalc("--radix 36 '35'").out, "Z\n");
     EXPECT_EQ(twcalc("'10^300'").out, "1" + std::string(49, '0') + "..." + std::string(50, '0') + " (301 digits) (--full to print all)\n");
     EXPECT_EQ(twcalc("--full '10^300'").out, "1" + std::string(300, '0') + "\n");
+    std::string groups;  // ",000" sixteen times
+    for (int i = 0; i < 16; ++i) groups += ",000";
+    EXPECT_EQ(twcalc("--group '10^300'").out, "1" + groups + ",0..." + "00" + groups + " (301 digits) (--full to print all)\n");
+    EXPECT_EQ(twcalc("--hex --group '1-2^100'").out, "-0xF,FFFF,FFFF,FFFF,FFFF,FFFF,FFFF\n");
     const std::string file = ::testing::TempDir() + "twcalc_full_" + std::to_string(getpid());
     EXPECT_EQ(twcalc("--out " + file + " '7^1000'").exitCode, 0);
     EXPECT_EQ(slurp(file).size(), 847u);  // 846 digits and a line break
