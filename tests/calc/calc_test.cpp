@@ -2,6 +2,8 @@
 // a process: answers, options, errors with their columns and exit codes, the
 // line mode, and Ctrl-C stopping a long evaluation.
 #include <gtest/gtest.h>
+#include <poll.h>
+#include <pty.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -143,7 +145,7 @@ TEST(TwcalcProgram, AnswersOptionsAndErrors) {
     EXPECT_EQ(deep.out, "100000\n7\n42\n");
     EXPECT_EQ(deep.err, "syntax error at column 10001: expression nested too deeply (more than 10000 levels)\n"
                         "syntax error at column 10001: expression nested too deeply (more than 10000 levels)\n");
-    const ProgramRun lines = twcalc("", "x = 6\n\nx * 7\n1 / 0\nans + 1\n");
+    const ProgramRun lines = twcalc("", "x = 6\n\nx * 7\n1 / 0\nans + 1\n exit \n5\n");
     EXPECT_EQ(lines.out, "6\n42\n43\n");
     EXPECT_EQ(lines.err, "error: division by zero\n");
     EXPECT_EQ(lines.exitCode, 1);
@@ -187,6 +189,80 @@ TEST(TwcalcProgram, InterruptStopsALongEvaluation) {
     EXPECT_EQ(drain(out[0]), "42\n");
     EXPECT_EQ(drain(err[0]), "interrupted\n");
     EXPECT_TRUE(WIFEXITED(status));
+}
+
+// A session on a pseudo-terminal, as a user has it: Ctrl-C clears a half-typed
+// line, stops an evaluation and a long output, and the variables live on.
+class Terminal {
+public:
+    Terminal() {
+        pid_ = forkpty(&fd_, nullptr, nullptr, nullptr);
+        if (pid_ == 0) {
+            execl(TWCALC_PATH, TWCALC_PATH, "--full", static_cast<char*>(nullptr));
+            _exit(127);
+        }
+    }
+    ~Terminal() {
+        if (pid_ > 0 && waitpid(pid_, nullptr, WNOHANG) == 0) kill(pid_, SIGKILL), waitpid(pid_, nullptr, 0);
+        close(fd_);
+    }
+    void type(const std::string& keys) { ASSERT_EQ(write(fd_, keys.data(), keys.size()), ssize_t(keys.size())); }
+    // Reads until text shows after the previous match; false after a wait far
+    // longer than any run needs (only so that a fault cannot hang the tests).
+    bool shows(const std::string& text, int timeoutMs = 60000) {
+        for (int waited = 0;; waited += 50) {
+            const std::size_t at = seen_.find(text, from_);
+            if (at != std::string::npos) return from_ = at + text.size(), true;
+            if (waited >= timeoutMs) return false;
+            pollfd p{fd_, POLLIN, 0};
+            char buf[4096];
+            ssize_t n = 0;
+            if (poll(&p, 1, 50) > 0 && (n = read(fd_, buf, sizeof buf)) > 0) seen_.append(buf, std::size_t(n));
+            if (n < 0) return false;
+        }
+    }
+    std::size_t seen() const { return seen_.size(); }
+    int exitCode() {
+        int status = 0;
+        return waitpid(std::exchange(pid_, -1), &status, 0) > 0 && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+
+private:
+    pid_t pid_;
+    int fd_ = -1;
+    std::string seen_;
+    std::size_t from_ = 0;
+};
+
+TEST(TwcalcProgram, CtrlCOnATerminalKeepsTheSession) {
+    Terminal t;
+    ASSERT_TRUE(t.shows("> "));
+    t.type("x = 6\n");
+    ASSERT_TRUE(t.shows("6\r\n> "));
+    t.type("12345");
+    t.type("\x03");
+    t.type("x + 1\n");
+    ASSERT_TRUE(t.shows("7\r\n> "));
+    // A hundred million digits: Ctrl-C (again, should one come before the
+    // line is read) stops the evaluation.
+    t.type("3^200000000\n");
+    ASSERT_TRUE(t.shows("3^200000000\r\n"));
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    for (int tries = 0; tries < 60; ++tries) {
+        t.type("\x03");
+        if (t.shows("interrupted\r\n", 1000)) break;
+    }
+    // Three million digits, of which the terminal takes a few before Ctrl-C.
+    t.type("10^3000000\n");
+    ASSERT_TRUE(t.shows("10^3000000\r\n1000000000"));
+    const std::size_t before = t.seen();
+    t.type("\x03");
+    ASSERT_TRUE(t.shows("interrupted\r\n"));
+    EXPECT_LT(t.seen() - before, 2000000u);
+    t.type("x * 7\n");
+    EXPECT_TRUE(t.shows("42\r\n> "));
+    t.type("\x04");  // Ctrl-D leaves; the stopped lines count as failed
+    EXPECT_EQ(t.exitCode(), 1);
 }
 
 }  // namespace
