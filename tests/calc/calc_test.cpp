@@ -141,8 +141,8 @@ TEST(TwcalcProgram, AnswersOptionsAndErrors) {
     std::string sum = "1";
     for (int i = 1; i < 100000; ++i) sum += "+1";
     auto nested = [](std::size_t depth) { return std::string(depth, '(') + "7" + std::string(depth, ')'); };
-    const ProgramRun deep = twcalc("", sum + "\n" + nested(10000) + "\n" + nested(100000) + "\n" + std::string(10001, '-') + "1\n6*7\n");
-    EXPECT_EQ(deep.out, "100000\n7\n42\n");
+    const ProgramRun deep = twcalc("", sum + "\n" + nested(10000) + "\n" + nested(100000) + "\n" + std::string(10001, '-') + "1\n0b101 & -7 | 8 # sign-magnitude\n");
+    EXPECT_EQ(deep.out, "100000\n7\n13\n");
     EXPECT_EQ(deep.err, "syntax error at column 10001: expression nested too deeply (more than 10000 levels)\n"
                         "syntax error at column 10001: expression nested too deeply (more than 10000 levels)\n");
     const ProgramRun lines = twcalc("", "x = 6\n\nx * 7\n1 / 0\nans + 1\n exit \n5\n");
