@@ -148,6 +148,7 @@ Integer binary(const Instruction& step, const Integer& a, const Integer& b) {
 }  // namespace
 
 Integer Calculator::evaluate(const Statement& statement) {
+    if (statement.program.empty()) throw EvaluationError(1, "empty expression");
     checkCalls(statement.program);
     std::vector<Integer> stack;
     for (const Instruction& step : statement.program) {
@@ -191,7 +192,7 @@ Integer Calculator::variable(const Instruction& step) const {
     return it->second;
 }
 
-// Replaces the call's arguments on the stack by nothing and returns its value.
+// Takes the call's arguments off the stack and returns the function's value.
 Integer Calculator::call(const Instruction& step, std::vector<Integer>& stack) const {
     const std::vector<Integer> args(std::make_move_iterator(stack.end() - std::ptrdiff_t(step.argumentCount)),
                                     std::make_move_iterator(stack.end()));
