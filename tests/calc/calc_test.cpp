@@ -254,7 +254,7 @@ TEST(TwcalcProgram, CtrlCOnATerminalKeepsTheSession) {
     }
     // Three million digits, of which the terminal takes a few before Ctrl-C.
     t.type("10^3000000\n");
-    ASSERT_TRUE(t.shows("10^3000000\r\n1000000000"));
+    ASSERT_TRUE(t.shows("1000000000"));  // the echo may come before the prompt or after it
     const std::size_t before = t.seen();
     t.type("\x03");
     ASSERT_TRUE(t.shows("interrupted\r\n"));
