@@ -2,13 +2,14 @@
 
 #include <cctype>
 #include <cstdint>
+#include <iterator>
 
 namespace twcalc {
 
 namespace {
 
 // Machine-integer operands (exponents, shift counts) must fit 32 unsigned bits.
-std::uint32_t smallOperand(const Integer& v, const Node& where, const char* what) {
+std::uint32_t smallOperand(const Integer& v, const Instruction& where, const char* what) {
     if (v.sign() < 0 || v.bits() > 32)
         throw EvaluationError(where.column, std::string(what) + " must be between 0 and 4294967295");
     return std::uint32_t(v.to_uint64());
@@ -95,14 +96,86 @@ const std::map<std::string, Function>& functionTable() {
                   "perm(n, k)", "n! / (n-k)!, 0 unless 0 <= k <= n"}},
         {"fib", {1, 1, [](Args a) { return Integer::fibonacci(indexArgument(a[0])); }, "fib(n)",
                  "the Fibonacci number F(n), n may be negative"}},
+        {"xor", {2, 2, [](Args a) { return a[0] ^ a[1]; }, "xor(a, b)",
+                 "bitwise exclusive or (sign-magnitude: negative if exactly one is)"}},
         {"lucas", {1, 1, [](Args a) { return Integer::lucas(indexArgument(a[0])); }, "lucas(n)",
                    "the Lucas number L(n), n may be negative"}},
     };
     return table;
 }
 
+namespace {
+
+// Unknown functions and wrong argument counts are reported before anything
+// is computed.
+void checkCalls(const std::vector<Instruction>& program) {
+    for (const Instruction& step : program) {
+        if (step.kind != Instruction::Kind::Call) continue;
+        const auto it = functionTable().find(step.text);
+        if (it == functionTable().end()) throw EvaluationError(step.column, "unknown function '" + step.text + "'");
+        const Function& f = it->second;
+        if (step.argumentCount < f.minArity || step.argumentCount > f.maxArity)
+            throw EvaluationError(step.column, step.text + " takes " + arityText(f));
+    }
+}
+
+Integer unary(const Instruction& step, Integer v) {
+    if (step.text == "!") return Integer::factorial(smallOperand(v, step, "the factorial's operand"));
+    return step.text == "-" ? -v : v;
+}
+
+Integer binary(const Instruction& step, const Integer& a, const Integer& b) {
+    const std::string& op = step.text;
+    if (op == "+") return a + b;
+    if (op == "-") return a - b;
+    if (op == "*") return a * b;
+    if (op == "/") return a / b;
+    if (op == "%") return a % b;
+    if (op == "^") return pow(a, smallOperand(b, step, "the exponent"));
+    if (op == "&") return a & b;
+    if (op == "|") return a | b;
+    if (op == "<<") return a << smallOperand(b, step, "the shift count");
+    if (op == ">>") return a >> smallOperand(b, step, "the shift count");
+    if (op == "<") return fromBool(a < b);
+    if (op == "<=") return fromBool(a <= b);
+    if (op == ">") return fromBool(a > b);
+    if (op == ">=") return fromBool(a >= b);
+    if (op == "==") return fromBool(a == b);
+    if (op == "!=") return fromBool(a != b);
+    throw EvaluationError(step.column, "unknown operator '" + op + "'");
+}
+
+}  // namespace
+
 Integer Calculator::evaluate(const Statement& statement) {
-    Integer value = eval(*statement.expression);
+    if (statement.program.empty()) throw EvaluationError(1, "empty expression");
+    checkCalls(statement.program);
+    std::vector<Integer> stack;
+    for (const Instruction& step : statement.program) {
+        switch (step.kind) {
+            case Instruction::Kind::Number:
+                stack.emplace_back(step.text.c_str());
+                break;
+            case Instruction::Kind::Variable:
+                stack.push_back(variable(step));
+                break;
+            case Instruction::Kind::Call: {
+                Integer value = call(step, stack);
+                stack.push_back(std::move(value));
+                break;
+            }
+            case Instruction::Kind::Unary:
+                stack.back() = unary(step, std::move(stack.back()));
+                break;
+            case Instruction::Kind::Binary: {
+                const Integer b = std::move(stack.back());
+                stack.pop_back();
+                stack.back() = binary(step, stack.back(), b);
+                break;
+            }
+        }
+    }
+    Integer value = std::move(stack.back());
     if (!statement.assignTo.empty()) {
         if (statement.assignTo == "ans" || functionTable().count(statement.assignTo))
             throw EvaluationError(1, "'" + statement.assignTo + "' cannot be assigned");
@@ -112,60 +185,23 @@ Integer Calculator::evaluate(const Statement& statement) {
     return value;
 }
 
-Integer Calculator::eval(const Node& node) {
-    switch (node.kind) {
-        case Node::Kind::Number:
-            return Integer(node.text);
-        case Node::Kind::Variable: {
-            if (node.text == "ans") return ans_;
-            const auto it = variables_.find(node.text);
-            if (it == variables_.end()) throw EvaluationError(node.column, "unknown variable '" + node.text + "'");
-            return it->second;
-        }
-        case Node::Kind::Call: {
-            const auto it = functionTable().find(node.text);
-            if (it == functionTable().end()) throw EvaluationError(node.column, "unknown function '" + node.text + "'");
-            const Function& f = it->second;
-            if (node.operands.size() < f.minArity || node.operands.size() > f.maxArity)
-                throw EvaluationError(node.column, node.text + " takes " + arityText(f));
-            std::vector<Integer> args;
-            for (const auto& operand : node.operands) args.push_back(eval(*operand));
-            try {
-                return f.apply(args);
-            } catch (const ArgumentError& e) {
-                throw EvaluationError(node.column, std::string(node.text) + ": " + e.what());
-            }
-        }
-        case Node::Kind::Unary: {
-            Integer v = eval(*node.operands[0]);
-            if (node.text == "!") return Integer::factorial(smallOperand(v, node, "the factorial's operand"));
-            return node.text == "-" ? -v : v;
-        }
-        case Node::Kind::Binary:
-            return binary(node);
-    }
-    throw EvaluationError(node.column, "unknown expression");
+Integer Calculator::variable(const Instruction& step) const {
+    if (step.text == "ans") return ans_;
+    const auto it = variables_.find(step.text);
+    if (it == variables_.end()) throw EvaluationError(step.column, "unknown variable '" + step.text + "'");
+    return it->second;
 }
 
-Integer Calculator::binary(const Node& node) {
-    const Integer a = eval(*node.operands[0]);
-    const Integer b = eval(*node.operands[1]);
-    const std::string& op = node.text;
-    if (op == "+") return a + b;
-    if (op == "-") return a - b;
-    if (op == "*") return a * b;
-    if (op == "/") return a / b;
-    if (op == "%") return a % b;
-    if (op == "^") return pow(a, smallOperand(b, node, "the exponent"));
-    if (op == "<<") return a << smallOperand(b, node, "the shift count");
-    if (op == ">>") return a >> smallOperand(b, node, "the shift count");
-    if (op == "<") return fromBool(a < b);
-    if (op == "<=") return fromBool(a <= b);
-    if (op == ">") return fromBool(a > b);
-    if (op == ">=") return fromBool(a >= b);
-    if (op == "==") return fromBool(a == b);
-    if (op == "!=") return fromBool(a != b);
-    throw EvaluationError(node.column, "unknown operator '" + op + "'");
+// Takes the call's arguments off the stack and returns the function's value.
+Integer Calculator::call(const Instruction& step, std::vector<Integer>& stack) const {
+    const std::vector<Integer> args(std::make_move_iterator(stack.end() - std::ptrdiff_t(step.argumentCount)),
+                                    std::make_move_iterator(stack.end()));
+    stack.resize(stack.size() - step.argumentCount);
+    try {
+        return functionTable().at(step.text).apply(args);
+    } catch (const ArgumentError& e) {
+        throw EvaluationError(step.column, step.text + ": " + e.what());
+    }
 }
 
 std::string resultText(const Integer& value, const OutputOptions& options) {
@@ -173,7 +209,12 @@ std::string resultText(const Integer& value, const OutputOptions& options) {
     // own; other radices are grouped by four as well.
     const std::uint8_t flags = options.group ? TEXT_GROUP : 0;
     const std::uint32_t groupLength = options.radix == 10 ? 3 : 4;
-    return value.to_string(options.radix, flags, groupLength);
+    std::string text = value.to_string(options.radix, flags, groupLength);
+    // The library sets a grouped hexadecimal number apart from its "0x"; the
+    // calculator writes the prefix against the digits, as it reads them.
+    const std::size_t prefix = text.find("0x ");
+    if (prefix <= 1) text.erase(prefix + 2, 1);
+    return text;
 }
 
 std::string displayText(const std::string& text, const OutputOptions& options) {
@@ -182,14 +223,17 @@ std::string displayText(const std::string& text, const OutputOptions& options) {
     std::size_t first = 0;
     while (first < text.size() && (text[first] == '-' || text[first] == '+' || text[first] == ' ')) ++first;
     if (text.compare(first, 2, "0x") == 0) first += 2;
-    std::string digits;
-    for (std::size_t i = first; i < text.size(); ++i)
-        if (std::isalnum(static_cast<unsigned char>(text[i]))) digits += text[i];
-    if (options.full || digits.size() <= kLongest) return text;
-    std::string prefix = text.substr(0, first);
-    while (!prefix.empty() && prefix.back() == ' ') prefix.pop_back();
-    return prefix + digits.substr(0, kKeep) + "..." + digits.substr(digits.size() - kKeep) + " (" +
-           std::to_string(digits.size()) + " digits) (--full to print all)";
+    auto isDigit = [](char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0; };
+    std::size_t digits = 0;
+    for (std::size_t i = first; i < text.size(); ++i) digits += isDigit(text[i]);
+    if (options.full || digits <= kLongest) return text;
+    // The first and last kKeep digits with the separators between them, so
+    // that a grouped result stays grouped.
+    std::size_t headEnd = first, tailStart = text.size();
+    for (std::size_t kept = 0; kept < kKeep; ++headEnd) kept += isDigit(text[headEnd]);
+    for (std::size_t kept = 0; kept < kKeep;) kept += isDigit(text[--tailStart]);
+    return text.substr(0, headEnd) + "..." + text.substr(tailStart) + " (" + std::to_string(digits) +
+           " digits) (--full to print all)";
 }
 
 }  // namespace twcalc

@@ -44,8 +44,8 @@ public:
     Integer evaluate(const Statement& statement);
 
 private:
-    Integer eval(const Node& node);
-    Integer binary(const Node& node);
+    Integer variable(const Instruction& step) const;
+    Integer call(const Instruction& step, std::vector<Integer>& stack) const;
 
     std::map<std::string, Integer> variables_;
     Integer ans_;

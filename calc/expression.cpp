@@ -1,194 +1,175 @@
 #include "expression.h"
 
-#include <cctype>
+#include "tokens.h"
 
 namespace twcalc {
 
 namespace {
 
-struct Token {
-    enum class Kind { Number, Name, Symbol, End } kind;
-    std::string text;
-    std::size_t column;
-};
+// Binding strength of the binary operators; prefix signs bind between the
+// products and the power.
+constexpr int kComparison = 1, kPrefix = 7, kPower = 8;
 
-bool isNameStart(char c) { return std::isalpha(static_cast<unsigned char>(c)) || c == '_'; }
-bool isNameChar(char c) { return std::isalnum(static_cast<unsigned char>(c)) || c == '_'; }
-
-std::vector<Token> tokenize(const std::string& line) {
-    static const char* const twoCharSymbols[] = {"<<", ">>", "<=", ">=", "==", "!="};
-    std::vector<Token> tokens;
-    std::size_t i = 0;
-    while (i < line.size()) {
-        const char c = line[i];
-        const std::size_t column = i + 1;
-        if (std::isspace(static_cast<unsigned char>(c))) {
-            ++i;
-        } else if (std::isdigit(static_cast<unsigned char>(c))) {
-            std::size_t end = i + 1;
-            if (c == '0' && end < line.size() && (line[end] == 'x' || line[end] == 'X')) {
-                ++end;
-                const std::size_t digits = end;
-                while (end < line.size() && std::isxdigit(static_cast<unsigned char>(line[end]))) ++end;
-                if (end == digits) throw SyntaxError(column, "hexadecimal number without digits");
-            } else {
-                while (end < line.size() && std::isdigit(static_cast<unsigned char>(line[end]))) ++end;
-            }
-            if (end < line.size() && isNameChar(line[end])) throw SyntaxError(end + 1, "unexpected character in number");
-            tokens.push_back({Token::Kind::Number, line.substr(i, end - i), column});
-            i = end;
-        } else if (isNameStart(c)) {
-            std::size_t end = i + 1;
-            while (end < line.size() && isNameChar(line[end])) ++end;
-            tokens.push_back({Token::Kind::Name, line.substr(i, end - i), column});
-            i = end;
-        } else {
-            std::string symbol(1, c);
-            for (const char* two : twoCharSymbols)
-                if (line.compare(i, 2, two) == 0) symbol = two;
-            if (symbol.size() == 1 && std::string("+-*/%^()=,<>!").find(c) == std::string::npos)
-                throw SyntaxError(column, std::string("unexpected character '") + c + "'");
-            tokens.push_back({Token::Kind::Symbol, symbol, column});
-            i += symbol.size();
-        }
-    }
-    tokens.push_back({Token::Kind::End, "", line.size() + 1});
-    return tokens;
+int binaryPrecedence(const Token& t) {
+    if (t.kind != Token::Kind::Symbol) return 0;
+    static const std::pair<const char*, int> table[] = {
+        {"<", 1}, {"<=", 1}, {">", 1}, {">=", 1}, {"==", 1}, {"!=", 1}, {"|", 2}, {"&", 3}, {"<<", 4},
+        {">>", 4}, {"+", 5},  {"-", 5},  {"*", 6},  {"/", 6},  {"%", 6},  {"^", kPower}};
+    for (const auto& [symbol, precedence] : table)
+        if (t.text == symbol) return precedence;
+    return 0;
 }
+
+bool isSymbol(const Token& t, const char* symbol) { return t.kind == Token::Kind::Symbol && t.text == symbol; }
+
+// An entry of the pending-operator stack: an operator waiting for its right
+// operand, or an open parenthesis or call.
+struct Pending {
+    enum class Kind { Operator, Parenthesis, Call } kind;
+    const Token* token;
+    int precedence = 0;         // operators
+    bool prefix = false;        // operators: a sign in front of its operand
+    std::size_t arguments = 0;  // calls: the arguments closed so far
+};
 
 class Parser {
 public:
-    explicit Parser(std::vector<Token> tokens) : tokens_(std::move(tokens)) {}
+    explicit Parser(const std::vector<Token>& tokens) : tokens_(tokens) {}
 
     Statement statement() {
         Statement s;
         if (peek().kind == Token::Kind::End) return s;
-        if (peek().kind == Token::Kind::Name && tokens_[pos_ + 1].text == "=" &&
-            tokens_[pos_ + 1].kind == Token::Kind::Symbol) {
-            s.assignTo = next().text;
-            next();
+        if (peek().kind == Token::Kind::Name && isSymbol(tokens_[pos_ + 1], "=")) {
+            s.assignTo = peek().text;
+            pos_ += 2;
         }
-        s.expression = comparison();
-        if (peek().kind != Token::Kind::End) throw SyntaxError(peek().column, "unexpected '" + peek().text + "'");
+        expression();
+        s.program = std::move(program_);
         return s;
     }
 
 private:
-    using NodePtr = std::unique_ptr<Node>;
-
     const Token& peek() const { return tokens_[pos_]; }
     const Token& next() { return tokens_[pos_++]; }
-    bool atSymbol(std::initializer_list<const char*> symbols) const {
-        if (peek().kind != Token::Kind::Symbol) return false;
-        for (const char* s : symbols)
-            if (peek().text == s) return true;
-        return false;
-    }
-    void expect(const char* symbol) {
-        if (!atSymbol({symbol}))
-            throw SyntaxError(peek().column, std::string("expected '") + symbol + "'" +
-                                                 (peek().kind == Token::Kind::End ? " at the end" : ""));
-        next();
-    }
 
-    static NodePtr binary(const Token& op, NodePtr left, NodePtr right) {
-        auto n = std::make_unique<Node>(Node{Node::Kind::Binary, op.text, op.column, {}});
-        n->operands.push_back(std::move(left));
-        n->operands.push_back(std::move(right));
-        return n;
-    }
-
-    // One left-associative level: operand {op operand}.
-    template <class Operand>
-    NodePtr leftAssociative(std::initializer_list<const char*> ops, Operand operand) {
-        NodePtr left = (this->*operand)();
-        while (atSymbol(ops)) {
-            const Token op = next();
-            left = binary(op, std::move(left), (this->*operand)());
-        }
-        return left;
-    }
-
-    NodePtr comparison() {
-        NodePtr left = shift();
-        if (atSymbol({"<", "<=", ">", ">=", "==", "!="})) {
-            const Token op = next();
-            left = binary(op, std::move(left), shift());
-            if (atSymbol({"<", "<=", ">", ">=", "==", "!="}))
-                throw SyntaxError(peek().column, "comparisons do not chain; use parentheses");
-        }
-        return left;
-    }
-    NodePtr shift() { return leftAssociative({"<<", ">>"}, &Parser::sum); }
-    NodePtr sum() { return leftAssociative({"+", "-"}, &Parser::product); }
-    NodePtr product() { return leftAssociative({"*", "/", "%"}, &Parser::unary); }
-
-    NodePtr unary() {
-        if (atSymbol({"-", "+"})) {
-            const Token op = next();
-            auto n = std::make_unique<Node>(Node{Node::Kind::Unary, op.text, op.column, {}});
-            n->operands.push_back(unary());
-            return n;
-        }
-        return power();
-    }
-
-    NodePtr power() {
-        NodePtr base = postfix();
-        if (atSymbol({"^"})) {
-            const Token op = next();
-            return binary(op, std::move(base), unary());  // right-associative
-        }
-        return base;
-    }
-
-    NodePtr postfix() {
-        NodePtr operand = primary();
-        while (atSymbol({"!"})) {
-            auto n = std::make_unique<Node>(Node{Node::Kind::Unary, "!", next().column, {}});
-            n->operands.push_back(std::move(operand));
-            operand = std::move(n);
-        }
-        return operand;
-    }
-
-    NodePtr primary() {
-        const Token t = peek();
-        if (t.kind == Token::Kind::Number) {
-            next();
-            return std::make_unique<Node>(Node{Node::Kind::Number, t.text, t.column, {}});
-        }
-        if (t.kind == Token::Kind::Name) {
-            next();
-            if (!atSymbol({"("})) return std::make_unique<Node>(Node{Node::Kind::Variable, t.text, t.column, {}});
-            next();
-            auto call = std::make_unique<Node>(Node{Node::Kind::Call, t.text, t.column, {}});
-            if (!atSymbol({")"})) {
-                call->operands.push_back(comparison());
-                while (atSymbol({","})) {
-                    next();
-                    call->operands.push_back(comparison());
-                }
-            }
-            expect(")");
-            return call;
-        }
-        if (atSymbol({"("})) {
-            next();
-            NodePtr inner = comparison();
-            expect(")");
-            return inner;
-        }
+    [[noreturn]] static void unexpected(const Token& t) {
         if (t.kind == Token::Kind::End) throw SyntaxError(t.column, "unexpected end of expression");
         throw SyntaxError(t.column, "unexpected '" + t.text + "'");
     }
 
-    std::vector<Token> tokens_;
+    void emit(Instruction::Kind kind, const Token& t, std::size_t arguments = 0) {
+        program_.push_back({kind, t.text, t.column, arguments});
+    }
+
+    void push(Pending p) {
+        const bool nests = p.kind != Pending::Kind::Operator || p.prefix || p.precedence == kPower;
+        if (nests && ++nesting_ > kMaxNesting)
+            throw SyntaxError(p.token->column, "expression nested too deeply (more than " +
+                                                   std::to_string(kMaxNesting) + " levels)");
+        pending_.push_back(p);
+    }
+    void popOperator() {
+        const Pending& p = pending_.back();
+        if (p.prefix || p.precedence == kPower) --nesting_;
+        emit(p.prefix ? Instruction::Kind::Unary : Instruction::Kind::Binary, *p.token);
+        pending_.pop_back();
+    }
+    // Emits the pending operators of the innermost group that bind at least
+    // as tightly as `precedence`.
+    void reduce(int precedence) {
+        while (!pending_.empty() && pending_.back().kind == Pending::Kind::Operator &&
+               pending_.back().precedence >= precedence)
+            popOperator();
+    }
+    bool inGroup() const { return !pending_.empty(); }
+
+    // The whole line, one token at a time, alternating between expecting an
+    // operand and expecting what follows one.
+    void expression() {
+        bool wantOperand = true;
+        for (;;) {
+            const Token& t = next();
+            if (wantOperand) {
+                wantOperand = operand(t);
+                continue;
+            }
+            if (isSymbol(t, "!")) {
+                emit(Instruction::Kind::Unary, t);  // binds to the operand just read
+            } else if (const int precedence = binaryPrecedence(t)) {
+                // ^ is right-associative: an earlier ^ waits for this one; a
+                // comparison stays pending so that a second one is caught.
+                reduce(precedence == kPower || precedence == kComparison ? precedence + 1 : precedence);
+                if (precedence == kComparison && !pending_.empty() &&
+                    pending_.back().kind == Pending::Kind::Operator && pending_.back().precedence == kComparison)
+                    throw SyntaxError(t.column, "comparisons do not chain; use parentheses");
+                push({Pending::Kind::Operator, &t, precedence});
+                wantOperand = true;
+            } else {
+                reduce(kComparison);
+                if (!inGroup()) {
+                    if (t.kind != Token::Kind::End) unexpected(t);
+                    return;
+                }
+                Pending& group = pending_.back();
+                if (group.kind == Pending::Kind::Call && isSymbol(t, ",")) {
+                    ++group.arguments;
+                    wantOperand = true;
+                } else if (isSymbol(t, ")")) {
+                    if (group.kind == Pending::Kind::Call) emit(Instruction::Kind::Call, *group.token, group.arguments + 1);
+                    pending_.pop_back();
+                    --nesting_;
+                } else {
+                    throw SyntaxError(t.column, std::string("expected ')'") +
+                                                    (t.kind == Token::Kind::End ? " at the end" : ""));
+                }
+            }
+        }
+    }
+
+    // Reads a token where an operand must start; true when the operand is
+    // still to come (after a sign or an opening parenthesis).
+    bool operand(const Token& t) {
+        if (t.kind == Token::Kind::Number) {
+            emit(Instruction::Kind::Number, t);
+            return false;
+        }
+        if (t.kind == Token::Kind::Name) {
+            if (!isSymbol(peek(), "(")) {
+                emit(Instruction::Kind::Variable, t);
+                return false;
+            }
+            next();
+            if (isSymbol(peek(), ")")) {
+                next();
+                emit(Instruction::Kind::Call, t, 0);
+                return false;
+            }
+            push({Pending::Kind::Call, &t});
+            return true;
+        }
+        if (isSymbol(t, "(")) {
+            push({Pending::Kind::Parenthesis, &t});
+            return true;
+        }
+        if (isSymbol(t, "-") || isSymbol(t, "+")) {
+            push({Pending::Kind::Operator, &t, kPrefix, true});
+            return true;
+        }
+        unexpected(t);
+    }
+
+    const std::vector<Token>& tokens_;
     std::size_t pos_ = 0;
+    std::vector<Pending> pending_;
+    std::size_t nesting_ = 0;
+    std::vector<Instruction> program_;
 };
 
 }  // namespace
 
-Statement parseLine(const std::string& line) { return Parser(tokenize(line)).statement(); }
+Statement parseLine(const std::string& line) {
+    const std::vector<Token> tokens = tokenize(line);
+    return Parser(tokens).statement();
+}
 
 }  // namespace twcalc

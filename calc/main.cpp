@@ -5,33 +5,22 @@
 //
 // Options: --hex, --radix N, --group, --full, --out FILE, --time, --help (-h),
 // --version.
-#include <csignal>
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
-#include <iostream>
 #include <string>
-#include <unistd.h>
 
 #include "calculator.h"
+#include "chunked_output.h"
+#include "interrupt.h"
+#include "line_reader.h"
 
 namespace {
 
 using namespace twcalc;
-
-volatile std::sig_atomic_t evaluating = 0;
-
-// Ctrl-C stops a running evaluation through the library's terminate flag;
-// at the prompt it ends the program as usual.
-extern "C" void onInterrupt(int) {
-    if (evaluating) {
-        TW_setTerminate(1);
-    } else {
-        std::signal(SIGINT, SIG_DFL);
-        std::raise(SIGINT);
-    }
-}
 
 struct Options {
     OutputOptions output;
@@ -50,8 +39,10 @@ constexpr const char* kUsage = "usage: twcalc [--hex] [--radix N] [--group] [--f
 
 [[noreturn]] void help() {
     std::printf("%s\n"
-                "Evaluates EXPR, or else reads one expression a line from standard input\n"
-                "(quit, exit or end of input leave; Ctrl-C stops a long evaluation).\n\n"
+                "Evaluates EXPR, or else reads one expression a line from standard input.\n"
+                "quit, exit, Ctrl-D or the end of the input leave. Ctrl-C stops a long\n"
+                "evaluation or a long output and keeps the variables; at the prompt it\n"
+                "clears the line. %s\n\n"
                 "Options:\n"
                 "  --hex          print results in hexadecimal\n"
                 "  --radix N      print results in radix N (2 to 4294967295, 0 for 2^32)\n"
@@ -61,11 +52,25 @@ constexpr const char* kUsage = "usage: twcalc [--hex] [--radix N] [--group] [--f
                 "  --time         print the time each evaluation took\n"
                 "  -h, --help     this text\n"
                 "  --version      the library's version\n\n"
-                "Expressions: integers (decimal or 0x hexadecimal), variables (x = ...; ans\n"
-                "is the last result), + - * / %% ^ << >>, comparisons < <= > >= == != giving\n"
-                "1 or 0, parentheses. Division truncates toward zero.\n\n"
+                "Expressions: integers (decimal, 0x hexadecimal, 0b binary), variables\n"
+                "(x = ...; ans is the last result), parentheses, # to the end of the line is\n"
+                "a comment. Operators, tightest first:\n"
+                "  n!             factorial\n"
+                "  ^              power, right-associative (-2^2 = -4, 2^3^2 = 512)\n"
+                "  - +            signs\n"
+                "  * / %%          division truncates toward zero\n"
+                "  + -\n"
+                "  << >>\n"
+                "  &              bitwise and, |a| & |b|, negative if both are\n"
+                "  |              bitwise or, |a| | |b|, negative if either is\n"
+                "  < <= > >= == != giving 1 or 0; they do not chain\n"
+                "xor(a, b) is the exclusive or, negative if exactly one is. Nesting is\n"
+                "limited to 10000 levels; chains of operators are not.\n\n"
                 "Functions:\n",
-                kUsage);
+                kUsage,
+                lineEditing() ? "On a terminal, lines are edited (emacs keys, ~/.editrc) and the\n"
+                                "up and down arrows recall earlier lines."
+                              : "This build reads lines without editing (no libedit).");
     for (const auto& [name, f] : functionTable()) std::printf("  %-16s %s\n", f.usage, f.description);
     std::exit(0);
 }
@@ -107,67 +112,103 @@ Options parseArguments(int argc, char** argv) {
     return o;
 }
 
+// Writes a result, stopping at Ctrl-C; false when stopped or failed, which
+// has been reported.
+bool writeResult(int fd, const std::string& text, const char* where) {
+    switch (writeChunked(fd, text)) {
+        case WriteResult::Done:
+            return true;
+        case WriteResult::Interrupted:
+            if (fd == STDOUT_FILENO) (void)::write(fd, "\n", 1);  // end the cut line
+            std::fprintf(stderr, "interrupted\n");
+            return false;
+        case WriteResult::Failed:
+            break;
+    }
+    std::fprintf(stderr, "error: cannot write %s\n", where);
+    return false;
+}
+
+bool writeResultFile(const std::string& path, const std::string& text) {
+    const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
+    if (fd < 0) {
+        std::fprintf(stderr, "error: cannot write %s\n", path.c_str());
+        return false;
+    }
+    const bool written = writeResult(fd, text + '\n', path.c_str());
+    return ::close(fd) == 0 && written;
+}
+
 // Evaluates one line and prints its result; returns false on an error, which
-// has been reported on standard error.
-bool runLine(Calculator& calc, const std::string& line, const Options& options) {
+// has been reported on standard error.  Ctrl-C stops the evaluation, the
+// conversion to text and the writing alike.
+bool evaluateLine(Calculator& calc, const std::string& line, const Options& options) {
     try {
         const Statement statement = parseLine(line);
-        if (!statement.expression) return true;
+        if (statement.program.empty()) return true;
         if (options.time) {
             TW_resetTimer(0, 0);
             TW_enableTimer(1);
         }
-        evaluating = 1;
-        Integer value = calc.evaluate(statement);
-        evaluating = 0;
+        const Integer value = calc.evaluate(statement);
         const std::string text = resultText(value, options.output);
         if (options.time) TW_enableTimer(0);
-        std::cout << displayText(text, options.output) << '\n';
-        if (options.time) std::cout << "time: " << TW_getTimerStrA(3) << '\n';
-        std::cout.flush();
-        if (!options.outFile.empty()) {
-            std::ofstream out(options.outFile);
-            out << text << '\n';
-            if (!out) {
-                std::fprintf(stderr, "error: cannot write %s\n", options.outFile.c_str());
-                return false;
-            }
-        }
-        return true;
+        std::string shown = displayText(text, options.output) + '\n';
+        if (options.time) shown += std::string("time: ") + TW_getTimerStrA(3) + '\n';
+        if (!writeResult(STDOUT_FILENO, shown, "the result")) return false;
+        return options.outFile.empty() || writeResultFile(options.outFile, text);
     } catch (const SyntaxError& e) {
         std::fprintf(stderr, "syntax error at column %zu: %s\n", e.column(), e.what());
     } catch (const EvaluationError& e) {
         std::fprintf(stderr, "error at column %zu: %s\n", e.column(), e.what());
     } catch (const tarnwick::Error& e) {
-        std::fprintf(stderr, e.code() == TW_ERR_STOPPED ? "%s\n" : "error: %s\n", e.what());
+        // On a terminal the "^C" echo is still on the line.
+        const char* format = e.code() != TW_ERR_STOPPED ? "error: %s\n" : isatty(STDERR_FILENO) ? "\n%s\n" : "%s\n";
+        std::fprintf(stderr, format, e.what());
     } catch (const std::exception& e) {
         std::fprintf(stderr, "error: %s\n", e.what());
     }
-    evaluating = 0;
     TW_enableTimer(0);
-    TW_setTerminate(0);
     return false;
+}
+
+bool runLine(Calculator& calc, const std::string& line, const Options& options) {
+    beginWork();
+    const bool good = evaluateLine(calc, line, options);
+    endWork();
+    clearInterrupt();
+    return good;
+}
+
+bool isLeaveCommand(const std::string& line) {
+    const std::size_t first = line.find_first_not_of(" \t");
+    const std::size_t last = line.find_last_not_of(" \t");
+    if (first == std::string::npos) return false;
+    const std::string word = line.substr(first, last + 1 - first);
+    return word == "quit" || word == "exit";
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
     const Options options = parseArguments(argc, argv);
-    struct sigaction action {};
-    action.sa_handler = onInterrupt;
-    sigemptyset(&action.sa_mask);
-    sigaction(SIGINT, &action, nullptr);
+    const bool interactive = !options.haveExpression && isatty(STDIN_FILENO);
+    installInterruptHandler(interactive);
 
     Calculator calc;
     if (options.haveExpression) return runLine(calc, options.expression, options) ? 0 : 1;
 
-    const bool interactive = isatty(STDIN_FILENO);
+    const std::unique_ptr<LineReader> reader = makeLineReader(interactive);
     std::string line;
     bool allGood = true;
     for (;;) {
-        if (interactive) std::cout << "> " << std::flush;
-        if (!std::getline(std::cin, line)) break;
-        if (line == "quit" || line == "exit") break;
+        const LineReader::Result got = reader->read(line);
+        if (got == LineReader::Result::End) {
+            if (interactive) (void)::write(STDOUT_FILENO, "\n", 1);  // leave the prompt's line
+            break;
+        }
+        if (got == LineReader::Result::Interrupted) continue;
+        if (isLeaveCommand(line)) break;
         allGood = runLine(calc, line, options) && allGood;
     }
     return allGood ? 0 : 1;

@@ -2,6 +2,8 @@
 // a process: answers, options, errors with their columns and exit codes, the
 // line mode, and Ctrl-C stopping a long evaluation.
 #include <gtest/gtest.h>
+#include <poll.h>
+#include <pty.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -37,7 +39,8 @@ TEST(Calculator, EvaluatesExpressions) {
         {"fact(20) / fact2(20) - fact2(19) + primorial(30)", "6469693230"}, {"binomial(50, 25) - perm(5, 2)", "126410606437732"},
         {"fib(-100) + lucas(-9)", "-354224848179261915151"}, {"5! == 120", "1"},
         {"isprime(2^127-1)", "1"}, {"nextprime(2^64)", "18446744073709551629"}, {"prevprime(2^64)", "18446744073709551557"},
-        {"pi(10^9)", "50847534"}, {"prime(10^6)", "15485863"}, {"digits(genprime(30)) + isprime(genprime(30))", "31"}};
+        {"pi(10^9)", "50847534"}, {"-6 & 3", "2"}, {"-6 | 3 # sign-magnitude", "-7"}, {"xor(-6, -3)", "5"},
+        {"xor(2^100, 1) - 2^100", "1"}, {"1 | 2 & 3 == 3", "1"}, {"1 << 2 | 1 + 1", "6"}, {"0b1011 + 0B1 - 0x0c", "0"}, {"prime(10^6)", "15485863"}, {"digits(genprime(30)) + isprime(genprime(30))", "31"}};
     for (const auto& [line, want] : cases) EXPECT_EQ(eval(line), want) << line;
     Calculator calc;
     EXPECT_EQ(eval(calc, "x = 3^100"), "515377520732011331036461129765621272702107522001");
@@ -57,9 +60,10 @@ TEST(Calculator, ErrorsCarryTheirColumn) {
         return 0;
     };
     const std::pair<const char*, std::size_t> bad[] = {{"2 +* 3", 4}, {"(1 + 2", 7}, {"1 + 2)", 6}, {"3 $ 4", 3}, {"0x", 1},
-                                                       {"12ab", 3},   {"1 < 2 < 3", 7}, {"f(1,", 5}, {"", 0}};
+                                                       {"12ab", 3},   {"1 < 2 < 3", 7}, {"f(1,", 5}, {"", 0},
+                                                       {"0b", 1},     {"0b102", 5},  {"1 & | 2", 5}, {"(1, 2)", 3}, {"f(1 2)", 5}};
     for (const auto& [line, column] : bad) EXPECT_EQ(syntax(line), column) << line;
-    EXPECT_FALSE(parseLine("   ").expression);
+    EXPECT_TRUE(parseLine("  # a comment").program.empty());
     Calculator calc;
     auto evaluation = [&](const std::string& line) -> std::size_t {
         try {
@@ -110,6 +114,10 @@ TEST(TwcalcProgram, AnswersOptionsAndErrors) {
     EXPECT_EQ(twcalc("--radix 36 '35'").out, "Z\n");
     EXPECT_EQ(twcalc("'10^300'").out, "1" + std::string(49, '0') + "..." + std::string(50, '0') + " (301 digits) (--full to print all)\n");
     EXPECT_EQ(twcalc("--full '10^300'").out, "1" + std::string(300, '0') + "\n");
+    std::string groups;  // ",000" sixteen times
+    for (int i = 0; i < 16; ++i) groups += ",000";
+    EXPECT_EQ(twcalc("--group '10^300'").out, "1" + groups + ",0..." + "00" + groups + " (301 digits) (--full to print all)\n");
+    EXPECT_EQ(twcalc("--hex --group '1-2^100'").out, "-0xF,FFFF,FFFF,FFFF,FFFF,FFFF,FFFF\n");
     const std::string file = ::testing::TempDir() + "twcalc_full_" + std::to_string(getpid());
     EXPECT_EQ(twcalc("--out " + file + " '7^1000'").exitCode, 0);
     EXPECT_EQ(slurp(file).size(), 847u);  // 846 digits and a line break
@@ -125,9 +133,19 @@ TEST(TwcalcProgram, AnswersOptionsAndErrors) {
     }
     EXPECT_EQ(twcalc("--radix 1 '5'").exitCode, 2);
     const ProgramRun help = twcalc("-h");
-    EXPECT_TRUE(help.exitCode == 0 && help.out.find("\n  root(a, n) ") != std::string::npos) << help.out;
+    EXPECT_TRUE(help.exitCode == 0 && help.out.find("\n  root(a, n) ") != std::string::npos &&
+                help.out.find("\n  xor(a, b) ") != std::string::npos && help.out.find("\n  &  ") != std::string::npos) << help.out;
     EXPECT_EQ(twcalc("--version").out.rfind("twcalc, Tarnwick V", 0), 0u);
-    const ProgramRun lines = twcalc("", "x = 6\n\nx * 7\n1 / 0\nans + 1\n");
+    // Long chains and deep nesting parse without recursion; past the nesting
+    // limit a clear error, and the session goes on.
+    std::string sum = "1";
+    for (int i = 1; i < 100000; ++i) sum += "+1";
+    auto nested = [](std::size_t depth) { return std::string(depth, '(') + "7" + std::string(depth, ')'); };
+    const ProgramRun deep = twcalc("", sum + "\n" + nested(10000) + "\n" + nested(100000) + "\n" + std::string(10001, '-') + "1\n0b101 & -7 | 8 # sign-magnitude\n");
+    EXPECT_EQ(deep.out, "100000\n7\n13\n");
+    EXPECT_EQ(deep.err, "syntax error at column 10001: expression nested too deeply (more than 10000 levels)\n"
+                        "syntax error at column 10001: expression nested too deeply (more than 10000 levels)\n");
+    const ProgramRun lines = twcalc("", "x = 6\n\nx * 7\n1 / 0\nans + 1\n exit \n5\n");
     EXPECT_EQ(lines.out, "6\n42\n43\n");
     EXPECT_EQ(lines.err, "error: division by zero\n");
     EXPECT_EQ(lines.exitCode, 1);
@@ -171,6 +189,80 @@ TEST(TwcalcProgram, InterruptStopsALongEvaluation) {
     EXPECT_EQ(drain(out[0]), "42\n");
     EXPECT_EQ(drain(err[0]), "interrupted\n");
     EXPECT_TRUE(WIFEXITED(status));
+}
+
+// A session on a pseudo-terminal, as a user has it: Ctrl-C clears a half-typed
+// line, stops an evaluation and a long output, and the variables live on.
+class Terminal {
+public:
+    Terminal() {
+        pid_ = forkpty(&fd_, nullptr, nullptr, nullptr);
+        if (pid_ == 0) {
+            execl(TWCALC_PATH, TWCALC_PATH, "--full", static_cast<char*>(nullptr));
+            _exit(127);
+        }
+    }
+    ~Terminal() {
+        if (pid_ > 0 && waitpid(pid_, nullptr, WNOHANG) == 0) kill(pid_, SIGKILL), waitpid(pid_, nullptr, 0);
+        close(fd_);
+    }
+    void type(const std::string& keys) { ASSERT_EQ(write(fd_, keys.data(), keys.size()), ssize_t(keys.size())); }
+    // Reads until text shows after the previous match; false after a wait far
+    // longer than any run needs (only so that a fault cannot hang the tests).
+    bool shows(const std::string& text, int timeoutMs = 60000) {
+        for (int waited = 0;; waited += 50) {
+            const std::size_t at = seen_.find(text, from_);
+            if (at != std::string::npos) return from_ = at + text.size(), true;
+            if (waited >= timeoutMs) return false;
+            pollfd p{fd_, POLLIN, 0};
+            char buf[4096];
+            ssize_t n = 0;
+            if (poll(&p, 1, 50) > 0 && (n = read(fd_, buf, sizeof buf)) > 0) seen_.append(buf, std::size_t(n));
+            if (n < 0) return false;
+        }
+    }
+    std::size_t seen() const { return seen_.size(); }
+    int exitCode() {
+        int status = 0;
+        return waitpid(std::exchange(pid_, -1), &status, 0) > 0 && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+
+private:
+    pid_t pid_;
+    int fd_ = -1;
+    std::string seen_;
+    std::size_t from_ = 0;
+};
+
+TEST(TwcalcProgram, CtrlCOnATerminalKeepsTheSession) {
+    Terminal t;
+    ASSERT_TRUE(t.shows("> "));
+    t.type("x = 6\n");
+    ASSERT_TRUE(t.shows("6\r\n> "));
+    t.type("12345");
+    t.type("\x03");
+    t.type("x + 1\n");
+    ASSERT_TRUE(t.shows("7\r\n> "));
+    // A hundred million digits: Ctrl-C (again, should one come before the
+    // line is read) stops the evaluation.
+    t.type("3^200000000\n");
+    ASSERT_TRUE(t.shows("3^200000000\r\n"));
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    for (int tries = 0; tries < 60; ++tries) {
+        t.type("\x03");
+        if (t.shows("interrupted\r\n", 1000)) break;
+    }
+    // Three million digits, of which the terminal takes a few before Ctrl-C.
+    t.type("10^3000000\n");
+    ASSERT_TRUE(t.shows("1000000000"));  // the echo may come before the prompt or after it
+    const std::size_t before = t.seen();
+    t.type("\x03");
+    ASSERT_TRUE(t.shows("interrupted\r\n"));
+    EXPECT_LT(t.seen() - before, 2000000u);
+    t.type("x * 7\n");
+    EXPECT_TRUE(t.shows("42\r\n> "));
+    t.type("\x04");  // Ctrl-D leaves; the stopped lines count as failed
+    EXPECT_EQ(t.exitCode(), 1);
 }
 
 }  // namespace
