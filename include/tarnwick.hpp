@@ -54,6 +54,7 @@
 #define TARNWICK_THREE_WAY 1
 #endif
 #if defined(__cpp_lib_format)
+#include <algorithm>
 #include <format>
 #endif
 

@@ -10,7 +10,7 @@ shift 6
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 # Compiled and linked apart, so that a compiler cache can serve the compile.
-$launcher "$compiler" -std="$standard" -O1 -Wall -Wextra -Wpedantic -Werror "$@" -I"$include" \
+$launcher "$compiler" -std="$standard" -Wall -Wextra -Wpedantic -Werror "$@" -I"$include" \
   $(pkg-config --cflags gmp) -c "$source" -o "$scratch/header_check.o"
 # shellcheck disable=SC2046
 "$compiler" "$@" "$scratch/header_check.o" -o "$scratch/header_check" -L"$libdir" -ltarnwick \
