@@ -34,6 +34,10 @@
 #ifndef TARNWICK_HPP
 #define TARNWICK_HPP
 
+#if __cplusplus < 201703L && !(defined(_MSVC_LANG) && _MSVC_LANG >= 201703L)
+#error "tarnwick.hpp needs C++17 or later (-std=c++17)"
+#endif
+
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
