@@ -4,27 +4,77 @@
 //   tarnwick::IntegerX  integers in radix 2^28 (HX_), bits and hexadecimal for free
 //   tarnwick::RadixConverter  digit vectors in any radix from 2 to 2^32 (RC_)
 //
-// Numbers have value semantics (copies are deep, moves steal the handle).
+// Needs C++17; C++20 adds operator<=> and, where the standard library has
+// <format>, std::format. Numbers have value semantics (copies are deep, moves
+// steal the handle; a moved-from number can be assigned to and destroyed).
 // When a C call reports an error, the wrapper clears the library's error state
-// and throws tarnwick::Error carrying the code, so the next call starts clean.
+// and throws, so the next call starts clean. Every exception thrown here is a
+// tarnwick::Error and a standard exception: std::runtime_error for what the
+// library reports, std::invalid_argument for text that is not a number,
+// std::overflow_error for a value that does not fit the machine type asked
+// for, std::domain_error for a double that is not finite.
+//
+// The operations are the C library's, and some results differ from GMP's and
+// Python's on purpose:
+//   pow(0, 0) is 0 (GMP and Python give 1);
+//   / truncates toward zero and % takes the dividend's sign (Python floors);
+//   x >> k truncates toward zero too: -3 >> 1 is -1 (GMP's floor shift and
+//     Python give -2);
+//   &, |, ^ combine the magnitudes bit by bit and the signs as bits (negative
+//     counts as 1), not two's complements: -6 & 3 is 2, -6 | 3 is -7 (Python
+//     -5), -6 ^ -3 is 5 (Python 7);
+//   x << k throws (result too large) as soon as digits(x) + k * log2(10)
+//     passes 2^32 - 1, a guard far below the true limit: 1 << 1300000000 throws;
+//   sqrt and root of a negative number are -root(|x|) (sqrt(-16) is -4),
+//     where GMP refuses;
+//   powmod with a negative exponent uses the inverse, and invert is 0 when
+//     there is none.
+// The C functions read any text and skip what is not a digit; the C++
+// constructors from text are strict and Integer::lenient reads as C does.
 #ifndef TARNWICK_HPP
 #define TARNWICK_HPP
 
+#if __cplusplus < 201703L && !(defined(_MSVC_LANG) && _MSVC_LANG >= 201703L)
+#error "tarnwick.hpp needs C++17 or later (-std=c++17)"
+#endif
+
+#include <cmath>
+#include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <istream>
 #include <ostream>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
+
+#if __has_include(<version>)
+#include <version>
+#endif
+#if defined(__cpp_impl_three_way_comparison) && defined(__cpp_lib_three_way_comparison)
+#include <compare>
+#define TARNWICK_THREE_WAY 1
+#endif
+#if defined(__cpp_lib_format)
+#include <algorithm>
+#include <format>
+#endif
 
 #include "tarnwick.h"
 
 namespace tarnwick {
 
-// An error reported by the library: code() is one of the TW_ERR_ values.
-class Error : public std::runtime_error {
+// The base of every exception thrown here; each one is also the standard
+// exception named by its type below, so catch either.
+class Error {
 public:
-    explicit Error(std::int32_t code) : std::runtime_error(describe(code)), code_(code) {}
+    virtual ~Error() = default;
+    virtual const char* what() const noexcept = 0;
+    // The TW_ERR_ value the library reported; TW_ERR_TOO_LARGE for a value
+    // that does not fit a machine type; TW_ERR_NONE when the C++ layer refused
+    // on its own (bad text, a double that is not finite).
     std::int32_t code() const noexcept { return code_; }
 
     static const char* describe(std::int32_t code) noexcept {
@@ -39,9 +89,28 @@ public:
         }
     }
 
+protected:
+    explicit Error(std::int32_t code) noexcept : code_(code) {}
+    Error(const Error&) = default;
+    Error& operator=(const Error&) = default;
+
 private:
     std::int32_t code_;
 };
+
+// Error joined to one standard exception type.
+template <class Standard>
+class ErrorOf final : public Standard, public Error {
+public:
+    explicit ErrorOf(std::int32_t code) : Standard(describe(code)), Error(code) {}
+    ErrorOf(std::int32_t code, const std::string& message) : Standard(message), Error(code) {}
+    const char* what() const noexcept override { return Standard::what(); }
+};
+
+using LibraryError = ErrorOf<std::runtime_error>;  // reported by the C library
+using TextError = ErrorOf<std::invalid_argument>;  // not a number in the radix asked for
+using RangeError = ErrorOf<std::overflow_error>;   // too large for the machine type asked for
+using DomainError = ErrorOf<std::domain_error>;    // a double that is not finite
 
 namespace detail {
 
@@ -50,7 +119,7 @@ inline void raiseIfFailed() {
     const std::int32_t code = TW_getLastError();
     if (code != 0 || TW_isTerminated() != 0) {
         TW_setTerminate(0);
-        throw Error(code != 0 ? code : TW_ERR_STOPPED);
+        throw LibraryError(code != 0 ? code : TW_ERR_STOPPED);
     }
 }
 
@@ -60,16 +129,136 @@ T checked(T value) {
     return value;
 }
 
-// The C functions of one integer family.
-#define TARNWICK_FAMILY_TRAITS(Name, P, S)                                                    \
+// The value of digit c in radix 2..62: 0-9, then A-Z, then a-z; letters of
+// either case count the same up to radix 36.
+constexpr int digitValue(char c, int radix) {
+    int v = radix;
+    if (c >= '0' && c <= '9') v = c - '0';
+    if (c >= 'A' && c <= 'Z') v = c - 'A' + 10;
+    if (c >= 'a' && c <= 'z') v = c - 'a' + (radix > 36 ? 36 : 10);
+    return v < radix ? v : -1;
+}
+
+// A strictly read text: the sign, the radix (the "0x" prefix read) and the
+// digits, or ok false.
+struct ParsedText {
+    bool ok = false, negative = false;
+    int radix = 10;
+    std::string_view digits;
+};
+
+// Reads [+|-][0x]digits, nothing else. Radix 0 is decimal, or hexadecimal
+// after "0x"; the prefix is also allowed in radix 16.
+inline ParsedText parseText(std::string_view text, int radix) {
+    ParsedText p;
+    if (radix != 0 && (radix < 2 || radix > 62)) return p;
+    std::size_t i = 0;
+    if (!text.empty() && (text[0] == '+' || text[0] == '-')) p.negative = text[i++] == '-';
+    if ((radix == 0 || radix == 16) && text.size() - i >= 2 && text[i] == '0' && (text[i + 1] | 0x20) == 'x') {
+        i += 2;
+        radix = 16;
+    }
+    p.radix = radix == 0 ? 10 : radix;
+    p.digits = text.substr(i);
+    p.ok = !p.digits.empty();
+    for (char c : p.digits) p.ok = p.ok && digitValue(c, p.radix) >= 0;
+    return p;
+}
+
+// The text of a C++ integer literal: "0x", "0b" and a leading 0 choose radix
+// 16, 2 and 8, and digit separators are dropped.
+inline std::pair<std::string, int> literalText(const char* literal) {
+    std::string text;
+    for (const char* p = literal; *p != 0; ++p)
+        if (*p != '\'') text += *p;
+    if (text.size() > 2 && text[0] == '0' && (text[1] | 0x20) == 'x') return {text.substr(2), 16};
+    if (text.size() > 2 && text[0] == '0' && (text[1] | 0x20) == 'b') return {text.substr(2), 2};
+    if (text.size() > 1 && text[0] == '0') return {text.substr(1), 8};
+    return {text, 10};
+}
+
+// A format specification as std::format reads one for integers:
+// [[fill]align][sign][#][0][width][type], type one of d x X o b B.
+struct FormatSpec {
+    char fill = ' ';
+    char align = 0;  // '<', '>', '^', or '=' for padding between the prefix and the digits
+    char sign = '-';  // '+' and ' ' mark non-negative values too
+    bool alternate = false;  // the radix prefix
+    std::size_t width = 0;
+    char type = 'd';
+
+    // Reads up to the closing brace; ok false when something else is left.
+    template <class It>
+    constexpr It parse(It it, It end, bool& ok) {
+        const auto isAlign = [](char c) { return c == '<' || c == '>' || c == '^'; };
+        if (it != end && *it != '}' && it + 1 != end && isAlign(it[1])) {
+            fill = *it;
+            align = it[1];
+            it += 2;
+        } else if (it != end && isAlign(*it)) {
+            align = *it++;
+        }
+        if (it != end && (*it == '+' || *it == '-' || *it == ' ')) sign = *it++;
+        if (it != end && *it == '#') {
+            alternate = true;
+            ++it;
+        }
+        if (it != end && *it == '0') {
+            if (align == 0) fill = '0', align = '=';
+            ++it;
+        }
+        while (it != end && *it >= '0' && *it <= '9') width = width * 10 + std::size_t(*it++ - '0');
+        if (it != end && (*it == 'd' || *it == 'x' || *it == 'X' || *it == 'o' || *it == 'b' || *it == 'B'))
+            type = *it++;
+        ok = it == end || *it == '}';
+        return it;
+    }
+};
+
+// x's text by a specification. iostreams write no prefix for zero; std::format
+// writes one except for octal.
+template <class Number>
+std::string formatted(const Number& x, const FormatSpec& spec, bool prefixForZero) {
+    const char t = spec.type;
+    const std::uint32_t radix = t == 'x' || t == 'X' ? 16 : t == 'o' ? 8 : t == 'b' || t == 'B' ? 2 : 10;
+    const bool upper = t == 'X' || t == 'B';
+    std::string digits = x.to_string(radix, upper ? 0 : TEXT_LOWER_CASE);
+    std::string head;
+    if (digits[0] == '-') {
+        head = "-";
+        digits.erase(0, 1);
+    } else if (spec.sign != '-') {
+        head = spec.sign;
+    }
+    if (radix == 16 && digits.compare(0, 2, "0x") == 0) digits.erase(0, 2);
+    // The octal 0 counts as a digit, so internal padding goes before it.
+    if (spec.alternate && radix == 8 && digits != "0") digits.insert(0, "0");
+    if (spec.alternate && (radix == 16 || radix == 2) && (digits != "0" || prefixForZero))
+        head += radix == 16 ? (upper ? "0X" : "0x") : (upper ? "0B" : "0b");
+    const std::size_t length = head.size() + digits.size();
+    const std::size_t pad = spec.width > length ? spec.width - length : 0;
+    const auto fill = [&](std::size_t n) { return std::string(n, spec.fill); };
+    switch (spec.align) {
+        case '<': return head + digits + fill(pad);
+        case '^': return fill(pad / 2) + head + digits + fill(pad - pad / 2);
+        case '=': return head + fill(pad) + digits;
+        default: return fill(pad) + head + digits;
+    }
+}
+
+// The C functions of one integer family; Radix is the text radix it writes
+// without conversion.
+#define TARNWICK_FAMILY_TRAITS(Name, P, S, Radix)                                             \
     struct Name {                                                                             \
         using Handle = P##_handle;                                                            \
+        static constexpr std::uint32_t naturalRadix = Radix;                                  \
         static Handle create() { return P##_new(); }                                          \
         static void destroy(Handle h) { P##_delete(h); }                                      \
         static constexpr auto set_s64 = P##_set_s64;                                          \
         static constexpr auto set_u64 = P##_set_u64;                                          \
         static constexpr auto set_own = P##_set_##S;                                          \
         static constexpr auto set_strA = P##_set_strA;                                        \
+        static constexpr auto setHexStrA = P##_setHexStrA;                                    \
         static constexpr auto get_s64 = P##_get_s64;                                          \
         static constexpr auto get_u64 = P##_get_u64;                                          \
         static constexpr auto getSign = P##_getSign;                                          \
@@ -82,6 +271,8 @@ T checked(T value) {
         static constexpr auto getBits = P##_getBits;                                          \
         static constexpr auto add = P##_add;                                                  \
         static constexpr auto sub = P##_sub;                                                  \
+        static constexpr auto add_u32 = P##_add_u32;                                          \
+        static constexpr auto sub_u32 = P##_sub_u32;                                          \
         static constexpr auto mul = P##_mul;                                                  \
         static constexpr auto divRem = P##_divRem;                                            \
         static constexpr auto mod = P##_mod;                                                  \
@@ -119,8 +310,8 @@ T checked(T value) {
         static constexpr auto generatePrime = P##_generatePrime;                              \
         static constexpr auto random = P##_random;                                            \
     }
-TARNWICK_FAMILY_TRAITS(DecimalTraits, HI, hi);
-TARNWICK_FAMILY_TRAITS(BinaryTraits, HX, hx);
+TARNWICK_FAMILY_TRAITS(DecimalTraits, HI, hi, 10);
+TARNWICK_FAMILY_TRAITS(BinaryTraits, HX, hx, 16);
 #undef TARNWICK_FAMILY_TRAITS
 
 }  // namespace detail
@@ -133,29 +324,49 @@ class BasicInteger {
 public:
     using Handle = typename Traits::Handle;
 
-    BasicInteger() : h_(detail::checked(Traits::create())) {
-        if (h_ == nullptr) throw Error(TW_ERR_TOO_LARGE);
-    }
+    BasicInteger() : h_(fresh()) {}
+    // Every built-in integer type converts exactly (the narrower ones through
+    // int or unsigned by promotion).
     BasicInteger(int v) : BasicInteger(static_cast<long long>(v)) {}
     BasicInteger(long v) : BasicInteger(static_cast<long long>(v)) {}
     BasicInteger(long long v) : BasicInteger() { run(Traits::set_s64(h_, v)); }
     BasicInteger(unsigned v) : BasicInteger(static_cast<unsigned long long>(v)) {}
     BasicInteger(unsigned long v) : BasicInteger(static_cast<unsigned long long>(v)) {}
     BasicInteger(unsigned long long v) : BasicInteger() { run(Traits::set_u64(h_, v)); }
-    // Text as the library reads it: optional "-", decimal or "0x" hexadecimal,
-    // other characters skipped.
-    explicit BasicInteger(const char* text) : BasicInteger() { run(Traits::set_strA(h_, text)); }
-    explicit BasicInteger(const std::string& text) : BasicInteger(text.c_str()) {}
+    // A double truncated toward zero; NaN and infinities throw DomainError.
+    explicit BasicInteger(double v) : BasicInteger() { assignDouble(v); }
+    // Text: an optional sign, then digits of the radix (2 to 62; letters of
+    // either case up to 36, then A-Z before a-z) and nothing else. Radix 0,
+    // the default, reads decimal, or hexadecimal after "0x", the two forms
+    // to_string writes; radix 16 allows the "0x" too. Anything else throws
+    // TextError (a std::invalid_argument).
+    explicit BasicInteger(const char* text, int radix = 0) : BasicInteger() {
+        if (text == nullptr) throw TextError(TW_ERR_NONE, "null text");
+        assignText(text, radix);
+    }
+    explicit BasicInteger(std::string_view text, int radix = 0) : BasicInteger() { assignText(text, radix); }
+    explicit BasicInteger(const std::string& text, int radix = 0) : BasicInteger(std::string_view(text), radix) {}
+    // The C library's reading, which refuses nothing: white space and one "-"
+    // first, "0x" switching to hexadecimal, every other non-digit skipped
+    // ("3.99" is 399, "hello" is 0).
+    static BasicInteger lenient(const char* text) {
+        BasicInteger r;
+        r.run(Traits::set_strA(r.h_, text));
+        return r;
+    }
+    static BasicInteger lenient(const std::string& text) { return lenient(text.c_str()); }
     // Conversion from the other integer type (and from a radix converter).
     template <class Other>
     explicit BasicInteger(const BasicInteger<Other>& other) : BasicInteger() { assignFrom(other.handle()); }
     explicit BasicInteger(const RadixConverter& rc);
 
     BasicInteger(const BasicInteger& other) : BasicInteger() { run(Traits::set_own(h_, other.h_)); }
+    // The source is left without a handle: it can only be assigned or destroyed.
     BasicInteger(BasicInteger&& other) noexcept : h_(std::exchange(other.h_, nullptr)) {}
     BasicInteger& operator=(const BasicInteger& other) {
-        if (this != &other) run(Traits::set_own(h_, other.h_));
-        return *this;
+        if (this == &other) return *this;
+        if (h_ == nullptr) h_ = fresh();
+        return run(Traits::set_own(h_, other.h_));
     }
     BasicInteger& operator=(BasicInteger&& other) noexcept {
         std::swap(h_, other.h_);
@@ -172,9 +383,32 @@ public:
     bool is_zero() const { return detail::checked(Traits::isZero(h_)) != 0; }
     std::uint32_t digits() const { return detail::checked(Traits::getDigits(h_)); }
     std::uint32_t bits() const { return detail::checked(Traits::getBits(h_)); }
-    // The value as a machine integer: 0 when it does not fit (check bits() first).
-    std::int64_t to_int64() const { return detail::checked(Traits::get_s64(h_)); }
-    std::uint64_t to_uint64() const { return detail::checked(Traits::get_u64(h_)); }
+    explicit operator bool() const { return !is_zero(); }
+    bool operator!() const { return is_zero(); }
+
+    // The value as a machine integer; RangeError (a std::overflow_error) when
+    // it does not fit. The C functions give 0 then, which zero also gives.
+    bool fits_int64() const { return detail::checked(Traits::get_s64(h_)) != 0 || is_zero(); }
+    bool fits_uint64() const { return detail::checked(Traits::get_u64(h_)) != 0 || is_zero(); }
+    std::int64_t to_int64() const {
+        if (!fits_int64()) throw RangeError(TW_ERR_TOO_LARGE, "value does not fit in int64_t");
+        return Traits::get_s64(h_);
+    }
+    std::uint64_t to_uint64() const {
+        if (!fits_uint64()) throw RangeError(TW_ERR_TOO_LARGE, "value does not fit in uint64_t");
+        return Traits::get_u64(h_);
+    }
+    // The nearest double toward zero (as GMP's mpz_get_d); infinity past the
+    // largest double.
+    double to_double() const {
+        const std::uint32_t length = bits();
+        const std::uint32_t dropped = length > 64 ? length - 64 : 0;
+        std::uint64_t top = (abs(*this) >> dropped).to_uint64();
+        // Truncated to 53 bits here, the conversion below is exact.
+        if (length - dropped > 53) top &= ~((std::uint64_t(1) << (length - dropped - 53)) - 1);
+        const double magnitude = std::ldexp(static_cast<double>(top), static_cast<int>(dropped));
+        return sign() < 0 ? -magnitude : magnitude;
+    }
 
     // Text in radix 2..62 (0 for 2^32, 63 and above bracketed); flags are the
     // TEXT_ values; groupLength is used with TEXT_GROUP for radices other than 10 and 16.
@@ -204,6 +438,18 @@ public:
         return r;
     }
     BasicInteger operator+() const { return *this; }
+    BasicInteger& operator++() { return run(Traits::add_u32(h_, h_, 1)); }
+    BasicInteger& operator--() { return run(Traits::sub_u32(h_, h_, 1)); }
+    BasicInteger operator++(int) {
+        BasicInteger old(*this);
+        ++*this;
+        return old;
+    }
+    BasicInteger operator--(int) {
+        BasicInteger old(*this);
+        --*this;
+        return old;
+    }
 
     friend BasicInteger operator+(BasicInteger a, const BasicInteger& b) {
         a += b;
@@ -360,19 +606,92 @@ public:
         return detail::checked(Traits::compare(a.h_, b.h_));
     }
     friend bool operator==(const BasicInteger& a, const BasicInteger& b) { return compare(a, b) == 0; }
-    friend auto operator<=>(const BasicInteger& a, const BasicInteger& b) { return compare(a, b) <=> 0; }
+#ifdef TARNWICK_THREE_WAY
+    friend std::strong_ordering operator<=>(const BasicInteger& a, const BasicInteger& b) { return compare(a, b) <=> 0; }
+#else
+    friend bool operator!=(const BasicInteger& a, const BasicInteger& b) { return compare(a, b) != 0; }
+    friend bool operator<(const BasicInteger& a, const BasicInteger& b) { return compare(a, b) < 0; }
+    friend bool operator<=(const BasicInteger& a, const BasicInteger& b) { return compare(a, b) <= 0; }
+    friend bool operator>(const BasicInteger& a, const BasicInteger& b) { return compare(a, b) > 0; }
+    friend bool operator>=(const BasicInteger& a, const BasicInteger& b) { return compare(a, b) >= 0; }
+#endif
 
+    // As iostreams write built-in integers: dec, hex or oct; the prefix (0x,
+    // 0X with uppercase, 0 for octal) only with showbase and never for zero;
+    // "+" with showpos; width, fill and left, right or internal adjustment.
+    // A negative number is written as its sign and magnitude: -0xff.
     friend std::ostream& operator<<(std::ostream& out, const BasicInteger& x) {
-        const auto base = out.flags() & std::ios::basefield;
-        const bool upper = (out.flags() & std::ios::uppercase) != 0;
-        if (base == std::ios::hex) return out << x.to_string(16, upper ? 0 : TEXT_LOWER_CASE);
-        if (base == std::ios::oct) return out << x.to_string(8);
-        return out << x.to_string(10);
+        const std::ios::fmtflags flags = out.flags();
+        const std::ios::fmtflags base = flags & std::ios::basefield, adjust = flags & std::ios::adjustfield;
+        detail::FormatSpec spec;
+        spec.type = base == std::ios::oct ? 'o' : base != std::ios::hex ? 'd' : (flags & std::ios::uppercase) ? 'X' : 'x';
+        spec.sign = (flags & std::ios::showpos) ? '+' : '-';
+        spec.alternate = (flags & std::ios::showbase) != 0;
+        spec.fill = out.fill();
+        spec.width = out.width() > 0 ? static_cast<std::size_t>(out.width()) : 0;
+        spec.align = adjust == std::ios::left ? '<' : adjust == std::ios::internal ? '=' : '>';
+        return out << detail::formatted(x, spec, false);  // which resets the width
+    }
+    // As iostreams read built-in integers: white space skipped (with skipws),
+    // an optional sign, digits of the basefield (dec, hex with an optional
+    // 0x, oct; none set: 0x hexadecimal, 0 octal, else decimal), read while
+    // they last. No digit sets failbit and leaves x unchanged.
+    friend std::istream& operator>>(std::istream& in, BasicInteger& x) {
+        const std::istream::sentry ok(in);
+        if (!ok) return in;
+        const std::ios::fmtflags base = in.flags() & std::ios::basefield;
+        int radix = base == std::ios::dec ? 10 : base == std::ios::hex ? 16 : base == std::ios::oct ? 8 : 0;
+        std::streambuf& buffer = *in.rdbuf();
+        const auto eof = std::char_traits<char>::eof();
+        auto c = buffer.sgetc();
+        std::string sign, digits;
+        if (c == '-' || c == '+') {
+            sign = char(c);
+            c = buffer.snextc();
+        }
+        if (c == '0' && (radix == 0 || radix == 16)) {
+            c = buffer.snextc();
+            if (c == 'x' || c == 'X') {
+                radix = 16;
+                c = buffer.snextc();
+            } else {
+                digits = "0";
+                if (radix == 0) radix = 8;
+            }
+        }
+        if (radix == 0) radix = 10;
+        for (; c != eof && detail::digitValue(char(c), radix) >= 0; c = buffer.snextc()) digits += char(c);
+        std::ios::iostate state = c == eof ? std::ios::eofbit : std::ios::goodbit;
+        if (digits.empty()) state |= std::ios::failbit;
+        else x = BasicInteger(sign + digits, radix);
+        in.setstate(state);
+        return in;
     }
 
 private:
+    static Handle fresh() {
+        const Handle h = detail::checked(Traits::create());
+        if (h == nullptr) throw LibraryError(TW_ERR_TOO_LARGE);
+        return h;
+    }
+
     template <class OtherHandle>
     void assignFrom(OtherHandle other);
+
+    void assignText(std::string_view text, int radix);
+
+    void assignDouble(double v) {
+        if (!std::isfinite(v)) throw DomainError(TW_ERR_NONE, "not a finite number");
+        if (std::fabs(v) < 9223372036854775808.0) {
+            run(Traits::set_s64(h_, static_cast<long long>(v)));  // truncating
+            return;
+        }
+        // |v| >= 2^63: its 53-bit mantissa as an integer, shifted into place.
+        int exponent = 0;
+        const double mantissa = std::frexp(v, &exponent);
+        run(Traits::set_s64(h_, static_cast<long long>(std::ldexp(mantissa, 53))));
+        run(Traits::bitLShift(h_, static_cast<std::uint32_t>(exponent - 53)));
+    }
 
     template <class ListFunction>
     static BasicInteger ofList(ListFunction f, const std::vector<BasicInteger>& values) {
@@ -425,7 +744,7 @@ inline void IntegerX::assignFrom(HI_handle other) { run(HX_set_hi(h_, other)); }
 class RadixConverter {
 public:
     explicit RadixConverter(std::uint32_t radix) : h_(detail::checked(RC_new(radix))) {
-        if (h_ == nullptr) throw Error(TW_ERR_TOO_LARGE);
+        if (h_ == nullptr) throw LibraryError(TW_ERR_TOO_LARGE);
     }
     template <class Traits>
     RadixConverter(std::uint32_t radix, const BasicInteger<Traits>& value) : RadixConverter(radix) {
@@ -473,6 +792,84 @@ BasicInteger<Traits>::BasicInteger(const RadixConverter& rc) : BasicInteger() {
     run(Traits::set_rc(h_, rc.handle()));
 }
 
+template <class Traits>
+void BasicInteger<Traits>::assignText(std::string_view text, int radix) {
+    const detail::ParsedText p = detail::parseText(text, radix);
+    if (!p.ok) {
+        const bool radixOk = radix == 0 || (radix >= 2 && radix <= 62);
+        throw TextError(radixOk ? TW_ERR_NONE : TW_ERR_RADIX,
+                        radixOk ? "not an integer in radix " + std::to_string(radix == 0 ? 10 : radix) + ": \"" +
+                                      std::string(text.substr(0, 40)) + (text.size() > 40 ? "...\"" : "\"")
+                                : "invalid radix " + std::to_string(radix));
+    }
+    // Decimal and hexadecimal digits go to the library's readers as they are;
+    // other radices through a digit vector, least significant digit first.
+    if (p.radix == 10 || p.radix == 16) {
+        const std::string digits = (p.negative ? "-" : "") + std::string(p.digits);
+        run(p.radix == 10 ? Traits::set_strA(h_, digits.c_str()) : Traits::setHexStrA(h_, digits.c_str()));
+        return;
+    }
+    std::vector<std::uint32_t> values(p.digits.size());
+    for (std::size_t i = 0; i < values.size(); ++i)
+        values[i] = static_cast<std::uint32_t>(detail::digitValue(p.digits[values.size() - 1 - i], p.radix));
+    RadixConverter digits(static_cast<std::uint32_t>(p.radix));
+    digits.set_digits(values, p.negative ? -1 : 1);
+    run(Traits::set_rc(h_, digits.handle()));
+}
+
+// The decimal text, for generic code that calls to_string unqualified.
+template <class Traits>
+std::string to_string(const BasicInteger<Traits>& x, std::uint32_t radix = 10) {
+    return x.to_string(radix);
+}
+
+// 123_tw is an Integer, 0xFF_twx an IntegerX: literals of any length, in
+// decimal, hexadecimal (0x), binary (0b) or octal (leading 0), with digit
+// separators. A literal that is no integer (1.5_tw) throws TextError.
+inline namespace literals {
+inline Integer operator""_tw(const char* literal) {
+    const auto [text, radix] = detail::literalText(literal);
+    return Integer(text, radix);
+}
+inline IntegerX operator""_twx(const char* literal) {
+    const auto [text, radix] = detail::literalText(literal);
+    return IntegerX(text, radix);
+}
+}  // namespace literals
+
 }  // namespace tarnwick
+
+namespace std {
+
+// Equal values have equal text in the type's own radix, hence equal hashes.
+template <class Traits>
+struct hash<tarnwick::BasicInteger<Traits>> {
+    size_t operator()(const tarnwick::BasicInteger<Traits>& x) const {
+        return hash<string>()(x.to_string(Traits::naturalRadix));
+    }
+};
+
+#if defined(__cpp_lib_format)
+// std::format("{:#x}", x) and the rest of the integer specification:
+// [[fill]align][sign][#][0][width][type], type one of d x X o b B.
+template <class Traits>
+struct formatter<tarnwick::BasicInteger<Traits>, char> {
+    tarnwick::detail::FormatSpec spec;
+
+    constexpr format_parse_context::iterator parse(format_parse_context& context) {
+        bool ok = false;
+        const auto end = spec.parse(context.begin(), context.end(), ok);
+        if (!ok) throw format_error("invalid format specification for an integer");
+        return end;
+    }
+    template <class Context>
+    typename Context::iterator format(const tarnwick::BasicInteger<Traits>& x, Context& context) const {
+        const string text = tarnwick::detail::formatted(x, spec, true);
+        return copy(text.begin(), text.end(), context.out());
+    }
+};
+#endif
+
+}  // namespace std
 
 #endif  // TARNWICK_HPP

@@ -55,8 +55,8 @@ TYPED_TEST(Cpp, ValuesOperatorsAndErrors) {
     EXPECT_EQ(v.to_string(10, TEXT_GROUP), "-1,234,567");
     EXPECT_EQ(v.to_string(36, TEXT_LOWER_CASE), "-qglj");
     std::ostringstream out;
-    out << v << ' ' << std::hex << T(255) << ' ' << std::uppercase << T(255);
-    EXPECT_EQ(out.str(), "-1234567 0xff 0xFF");
+    out << v << ' ' << std::hex << T(255) << ' ' << std::uppercase << std::showbase << T(255);
+    EXPECT_EQ(out.str(), "-1234567 ff 0XFF");
     EXPECT_TRUE(v.digits() == 7 && v.bits() == 21);
     T a(10), zero;
     try {
