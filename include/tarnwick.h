@@ -321,7 +321,7 @@ TW_API HI_handle TW_CALL HI_nextPrime(HI_handle r, HI_handle a);
 TW_API HI_handle TW_CALL HI_previousPrime(HI_handle r, HI_handle a);
 /** r = a random prime of exactly size decimal digits (0 when none has that length); returns r. */
 TW_API HI_handle TW_CALL HI_generatePrime(HI_handle r, uint32_t size);
-/** r = a uniform random number in [0, 10^|size|), negated when size < 0; returns r. */
+/** r = a uniform random number in [0, 10^|size|), negated when size < 0; |size| above 1 292 913 986 gives error -3 and 0. Returns r. */
 TW_API HI_handle TW_CALL HI_random(HI_handle r, int32_t size);
 
 /* HI_: combinatorics and sequences */
@@ -535,7 +535,7 @@ TW_API HX_handle TW_CALL HX_nextPrime(HX_handle r, HX_handle a);
 TW_API HX_handle TW_CALL HX_previousPrime(HX_handle r, HX_handle a);
 /** r = a random prime of exactly size bits (0 when none has that length); returns r. */
 TW_API HX_handle TW_CALL HX_generatePrime(HX_handle r, uint32_t size);
-/** r = a uniform random number in [0, 2^|size|), negated when size < 0; returns r. */
+/** r = a uniform random number in [0, 2^|size|), negated when size < 0; |size| above 1 292 913 986 gives error -3 and 0. Returns r. */
 TW_API HX_handle TW_CALL HX_random(HX_handle r, int32_t size);
 
 /* HX_: combinatorics and sequences */

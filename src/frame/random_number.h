@@ -31,14 +31,12 @@ constexpr std::uint32_t limbBoundForUnits(std::uint32_t k) {
 
 // The largest size accepted.  A decimal number of n digits has up to
 // floor(n log2 10) + 1 bits; beyond 1 292 913 986 digits that count no longer
-// fits the 32-bit bit count the library reports.  Every bit size an int32_t
-// can name has a decimal digit count that fits.
+// fits the 32-bit bit count the library reports.  Binary sizes take the same
+// bound, so that both types refuse the same requests at once instead of one
+// of them spending seconds on a number of 2^31 bits.
 template <class R>
 constexpr std::uint32_t maxRandomSize() {
-    if constexpr (R::isBinary)
-        return std::uint32_t(1) << 31;
-    else
-        return 1292913986u;
+    return 1292913986u;
 }
 
 // x := a number uniform in [0, 10^|size|) (decimal) or [0, 2^|size|) (binary),
