@@ -6,8 +6,9 @@
 // s'^2 + r' = A, q = (r' B^k + a1) div 2s' with remainder u, s = s' B^k + q
 // is never below the root, and a - s^2 = u B^k + a0 - q^2.  Since s' has more
 // limbs than k, s overshoots by a unit or two at most, each taken back by
-// r += 2s - 1, s -= 1.  The divisions and squares take the transform wherever
-// it beats the ladder (ProductRule::Fastest).
+// r += 2s - 1, s -= 1.  Short quotients go by long division; longer divisions
+// and the squares take the transform wherever it beats the ladder
+// (ProductRule::Fastest).
 #pragma once
 
 #include <algorithm>
@@ -17,9 +18,11 @@
 
 #include "arith/kernels/add_sub.h"
 #include "arith/kernels/divide_newton.h"
+#include "arith/kernels/divide_one_quotient_limb.h"
 #include "arith/kernels/fast_product.h"
 #include "arith/kernels/mul_scratch.h"
 #include "arith/kernels/mul_span_ops.h"
+#include "arith/tuning.h"
 #include "frame/error_state.h"
 #include "frame/machine_int.h"
 #include "frame/radix.h"
@@ -83,7 +86,7 @@ std::size_t squareRootSpans(arith::LimbScratch& scratch, Limb* s, Limb* r, const
     if (terminateRequested()) return 0;
 
     // q, u := (r' B^k + a1) divmod 2s'.
-    Limb* num = frame.take(k + hs + 1);
+    Limb* num = frame.take(k + hs + 2);
     arith::copyLimbs(num, a + k, k);
     arith::copyLimbs(num + k, rTop, rTopN);
     const std::size_t numN = arith::trimmedLength(num, k + rTopN);
@@ -96,6 +99,13 @@ std::size_t squareRootSpans(arith::LimbScratch& scratch, Limb* s, Limb* r, const
     if (numN < denN) {
         arith::copyLimbs(u, num, numN);
         arith::zeroLimbs(u + numN, denN - numN);
+    } else if (denN >= 2 && (numN - denN + 1) * denN <= kRootLongDivisionMax) {
+        // Short quotients by long division in place: a reciprocal costs more.
+        qn = numN - denN + 1;
+        num[numN] = 0;
+        for (std::size_t i = qn; i-- > 0;) q[i] = arith::divideOneQuotientLimb<R>(num + i, num + i, denN + 1, den, denN);
+        arith::copyLimbs(u, num, denN);
+        qn = arith::trimmedLength(q, qn);
     } else {
         arith::divideMagnitude<R>(scratch, q, u, num, numN, den, denN, nullptr, 0, arith::ProductRule::Fastest);
         if (terminateRequested()) return 0;
