@@ -196,6 +196,16 @@ inline constexpr std::size_t kWordProductRowsMax = 8;
 // words, 200 and 400 slower still (a third more at 1300 words).
 inline constexpr std::size_t kHalfGcdMinWords = 40;
 
+// ---- square roots ----
+
+// Divisions of the recursive square root whose quotient limbs times divisor
+// limbs are at most this go by long division, one quotient limb at a time;
+// larger ones through a reciprocal.  Measured in radix 10^9 (us, long
+// division against reciprocal): 8 by 8 limbs 0.40 against 0.90, 16 by 16
+// 0.83 against 1.44, 8 by 32 0.73 against 0.99, 16 by 32 2.1 against 1.4,
+// 32 by 32 3.7 against 2.1; radix 2^28 crosses at about the same products.
+inline constexpr std::size_t kRootLongDivisionMax = 256;
+
 // ---- modular powers ----
 
 // Odd binary moduli of up to this many bits run their powers on 64-bit words

@@ -4,8 +4,8 @@
 // n*k limbs dropped) times radix^k, plus one, is an estimate above the root
 // good to half the digits, one Newton step doubles them, and x^n <= |a| then
 // settles the last unit.  Square roots take the recursive square root with
-// remainder instead, which divides half as many limbs and needs no full
-// square.  Results are built in fresh numbers and moved in, so any handle may
+// remainder of square_root.h instead, which divides half as many limbs and
+// needs no full square.  Results are built in fresh numbers and moved in, so any handle may
 // be any operand; a raised terminate flag makes them zero.
 #pragma once
 
@@ -23,6 +23,7 @@
 #include "frame/compare.h"
 #include "frame/machine_int.h"
 #include "frame/signed_number.h"
+#include "numtheory/square_root.h"
 
 namespace tw::numtheory {
 namespace detail {
@@ -147,64 +148,21 @@ void rootMagnitude(SignedNumber<R>& root, SignedNumber<R>& power, const SignedNu
     root.swap(x);
 }
 
-// The limbs [lo, hi) of |a| as a positive number.
-template <class R>
-SignedNumber<R> limbRange(const SignedNumber<R>& a, std::size_t lo, std::size_t hi) {
-    SignedNumber<R> x;
-    hi = std::min<std::size_t>(hi, a.rec().topIndex + 1);
-    if (lo >= hi) return x;
-    resizeStorage(x.rec(), std::uint32_t(hi - lo), true);
-    if (x.rec().allocated() < hi - lo) return x;  // storage exhausted: zero, -3 recorded
-    std::copy(a.limbs() + lo, a.limbs() + hi, x.rec().digits);
-    normalizeIndices(x.rec(), std::uint32_t(hi - lo));
-    x.sign = 1;
-    x.normalizeSign();
-    return x;
-}
-
-// The recursive square root with remainder (Zimmermann's Karatsuba square
-// root, over any radix B): a = A B^2k + a1 B^k + a0 with k about a quarter of
-// the limbs; from s'^2 + r' = A, q = (r' B^k + a1) div 2s' with remainder u,
-// s = s' B^k + q is never below the root, and a - s^2 = u B^k + a0 - q^2.
-// Since s' has more limbs than k, s overshoots by a unit or two at most,
-// each taken back by r += 2s - 1, s -= 1.  root and rem are fresh numbers.
+// root := floor(sqrt(a)), rem := a - root^2 for a positive a, by the span
+// kernel of square_root.h; root and rem are fresh numbers.
 template <class R>
 void squareRootMagnitude(SignedNumber<R>& root, SignedNumber<R>& rem, const SignedNumber<R>& a) {
-    const std::uint32_t limbs = a.rec().topIndex + 1;
-    if (limbs <= 4) {  // below 2^120 in either radix: 128-bit arithmetic
-        u128 v = 0;
-        for (std::uint32_t i = limbs; i-- > 0;) v = v * R::base + a.limb(i);
-        std::uint64_t r = std::uint64_t(std::sqrt(double(v)));
-        if (r != 0) r = std::uint64_t((r + v / r) / 2);  // a Newton step from the double estimate
-        while (u128(r) * r > v) --r;
-        while (u128(r + 1) * (r + 1) <= v) ++r;
-        setU64(root, r);
-        setU64(rem, std::uint64_t(v - u128(r) * r));
-        return;
-    }
-    const std::uint32_t k = (limbs - 1) / 4;
-    SignedNumber<R> s, r, q, u, square;
-    squareRootMagnitude(s, r, limbRange(a, 2 * std::size_t(k), limbs));
-    if (terminateRequested()) return;
-    arith::insertLowLimbs(r.rec(), k);
-    arith::addInPlace(r, limbRange(a, k, 2 * std::size_t(k)));
-    SignedNumber<R> twice = magnitudeCopy(s);
-    arith::multiplyByWord(twice, 2);
-    arith::divideSigned<R>(q, &u, r, twice);
-    arith::insertLowLimbs(s.rec(), k);
-    arith::addInPlace(s, q);
-    arith::insertLowLimbs(u.rec(), k);
-    arith::addInPlace(u, limbRange(a, 0, k));
-    arith::multiplyInto(square, q, q);
-    arith::subtractInPlace(u, square);
-    while (u.sign < 0 && !terminateRequested()) {
-        arith::addInPlace(u, s);
-        arith::addInPlace(u, s);
-        arith::subtractWord(u, 1);  // u < 0: one more below
-        arith::subtractWord(s, 1);
-    }
-    root.swap(s);
-    rem.swap(u);
+    const std::size_t an = a.rec().topIndex + 1, sn = squareRootLimbs(an);
+    resizeStorage(root.rec(), std::uint32_t(sn + 1), true);
+    resizeStorage(rem.rec(), std::uint32_t(sn + 1), true);
+    if (root.rec().allocated() < sn + 1 || rem.rec().allocated() < sn + 1) return;  // -3 recorded
+    arith::LimbScratch scratch(squareRootScratchLimbs(an));
+    const std::size_t rn = squareRootSpans<R>(scratch, root.rec().digits, rem.rec().digits, a.limbs(), an);
+    normalizeIndices(root.rec(), std::uint32_t(sn));
+    normalizeIndices(rem.rec(), std::uint32_t(std::max<std::size_t>(rn, 1)));
+    root.sign = rem.sign = 1;
+    root.normalizeSign();
+    rem.normalizeSign();
 }
 
 }  // namespace detail

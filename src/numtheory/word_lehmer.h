@@ -50,7 +50,7 @@ inline u128 bitsFrom(const Word* p, std::size_t n, std::size_t k) {
 //
 // Each step takes the true quotient of the leading parts when the condition
 // and 64-bit entries allow; when only the condition fails, the largest
-// quotient that satisfies it, and the round ends.  Entries below 2^64; the leading parts
+// quotient that satisfies it, and the round ends.  Entries below 2^63; the leading parts
 // shrink, so nothing overflows 128 bits (F < 2^127).
 namespace detail {
 
@@ -85,11 +85,11 @@ inline Step lehmerStep(u128& big, u128 small, Word& bounded, Word& other, Word b
             }
         }
     }
-    // A quotient whose entries leave 64 bits ends the round (a division
-    // takes it when it is the first).
+    // A quotient whose entries reach 2^63 ends the round (a division takes
+    // it when it is the first): the matrix is applied with signed carries.
     if ((q >> 64) != 0) return Step::None;
     const u128 nb = u128(Word(q)) * boundedStep + bounded, no = u128(Word(q)) * otherStep + other;
-    if (((nb | no) >> 64) != 0) return Step::None;
+    if (((nb | no) >> 63) != 0) return Step::None;
     if (r >= (exact ? floor : nb + floor)) {
         big = r, bounded = Word(nb), other = Word(no);
         return Step::Full;
@@ -132,35 +132,36 @@ inline bool lehmerWordMatrix(u128 a, u128 b, u128 floor, bool exact, WordMatrix&
 }
 
 // (a, b) := (m11 a - m01 b, m00 b - m10 a) over n words in place, one pass.
-// Both results must be non-negative; they are then at most a and b.
+// Both results must be non-negative; they are then at most a and b.  Each
+// row keeps one signed carry, in [-m01, m11) for a (the prefix's m11 x - m01 y
+// over the words done): with entries below 2^63, x m11 - y m01 + carry stays
+// within (-2^127, 2^127), so it is taken modulo 2^128 and its top word read
+// as signed.  Twice as fast as two unsigned carry chains a product.
 inline void applyInverse(Word* a, Word* b, std::size_t n, const WordMatrix& m) {
-    Word ca = 0, na = 0, cb = 0, nb = 0, borrowA = 0, borrowB = 0;
+    u128 ca = 0, cb = 0;
     for (std::size_t i = 0; i < n; ++i) {
         const Word x = a[i], y = b[i];
-        const u128 pa = u128(x) * m.m11 + ca, qa = u128(y) * m.m01 + na;
-        const u128 pb = u128(y) * m.m00 + cb, qb = u128(x) * m.m10 + nb;
-        const u128 da = u128(Word(pa)) - Word(qa) - borrowA, db = u128(Word(pb)) - Word(qb) - borrowB;
-        a[i] = Word(da), b[i] = Word(db);
-        ca = Word(pa >> 64), na = Word(qa >> 64), cb = Word(pb >> 64), nb = Word(qb >> 64);
-        borrowA = Word(da >> 64) & 1, borrowB = Word(db >> 64) & 1;
+        const u128 ta = u128(x) * m.m11 - u128(y) * m.m01 + ca;
+        const u128 tb = u128(y) * m.m00 - u128(x) * m.m10 + cb;
+        a[i] = Word(ta), b[i] = Word(tb);
+        ca = u128(std::int64_t(Word(ta >> 64))), cb = u128(std::int64_t(Word(tb >> 64)));
     }
-    assert(ca - na - borrowA == 0 && cb - nb - borrowB == 0);
+    assert(ca == 0 && cb == 0);
 }
 
 // (x, y) := (x s00 + y s10, x s01 + y s11): a row of a product matrix times
-// s.  x and y hold n + 2 words, zero above n; the sums fit them.
+// s.  x and y hold n + 2 words, zero above n; the sums fit them.  With entries
+// below 2^63 both products and the carry fit one 128-bit sum.
 inline void rowTimesMatrix(Word* x, Word* y, std::size_t n, const WordMatrix& s) {
-    Word c00 = 0, c10 = 0, c01 = 0, c11 = 0, kx = 0, ky = 0;
+    Word cx = 0, cy = 0;
     for (std::size_t i = 0; i < n + 2; ++i) {
         const Word u = x[i], v = y[i];
-        const u128 p00 = u128(u) * s.m00 + c00, p10 = u128(v) * s.m10 + c10;
-        const u128 p01 = u128(u) * s.m01 + c01, p11 = u128(v) * s.m11 + c11;
-        const u128 sx = u128(Word(p00)) + Word(p10) + kx, sy = u128(Word(p01)) + Word(p11) + ky;
-        x[i] = Word(sx), y[i] = Word(sy);
-        c00 = Word(p00 >> 64), c10 = Word(p10 >> 64), c01 = Word(p01 >> 64), c11 = Word(p11 >> 64);
-        kx = Word(sx >> 64), ky = Word(sy >> 64);
+        const u128 tx = u128(u) * s.m00 + u128(v) * s.m10 + cx;
+        const u128 ty = u128(u) * s.m01 + u128(v) * s.m11 + cy;
+        x[i] = Word(tx), y[i] = Word(ty);
+        cx = Word(tx >> 64), cy = Word(ty >> 64);
     }
-    assert((c00 | c10 | c01 | c11 | kx | ky) == 0);
+    assert(cx == 0 && cy == 0);
 }
 
 // gcd of two numbers below 2^128.

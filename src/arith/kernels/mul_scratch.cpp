@@ -30,7 +30,9 @@ LimbScratch::~LimbScratch() {
 
 Limb* LimbScratch::takeFrom(std::size_t n, std::size_t alignLimbs) {
     // Blocks start on a cache line, so aligning the offset aligns the address.
-    auto skip = [&] { return (alignLimbs - used_ % alignLimbs) % alignLimbs; };
+    // alignLimbs is 1 or a line: a power of two, so a mask finds the skip (a
+    // division here showed in the profiles of short kernels).
+    auto skip = [&] { return (alignLimbs - (used_ & (alignLimbs - 1))) & (alignLimbs - 1); };
     while (current_ < blocks_.size() && blocks_[current_].size - used_ < skip() + n + kGuard) {
         ++current_;
         used_ = 0;
