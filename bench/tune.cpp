@@ -126,7 +126,7 @@ Crossover race(const std::vector<std::size_t>& cands, Rung lower, Rung upper, co
 }
 
 // The squaring ladder's basecase bound is fixed, so the halves of the square
-// take the basecase up to twice kSqrBasecaseMax and Karatsuba beyond.  The
+// take the basecase up to twice sqrBasecaseMax and Karatsuba beyond.  The
 // transform's cost steps where its length doubles, so its candidates are
 // dense enough to see a run of wins past a step.
 template <class R>
@@ -244,12 +244,12 @@ void tuneRadix(const Settings& s, bool avx512) {
     const char* rn = radixName<R>();
     const Bound last = Bound::LastLower, first = Bound::FirstUpper;
     const Crossover mulBk = mulBasecaseKaratsuba<R>(s);
-    printLine("kMulBasecaseMax", rn, str(ar::kMulBasecaseMax), mulBk, last, "basecase", "Karatsuba");
+    printLine("kMulBasecaseMax", rn, str(ar::kLadder<R>.mulBasecaseMax), mulBk, last, "basecase", "Karatsuba");
     // The conversions' own product rule lets the 512-bit basecase run further in
     // radix 2^28: the same measurement, read for that bound.
     if (R::isBinary && avx512)
         printLine("kWideBasecaseMax", rn, str(ar::kWideBasecaseMax), mulBk, last, "basecase", "Karatsuba");
-    printLine("kSqrBasecaseMax", rn, str(ar::kSqrBasecaseMax), sqrBasecaseKaratsuba<R>(s), last, "basecase",
+    printLine("kSqrBasecaseMax", rn, str(ar::kLadder<R>.sqrBasecaseMax), sqrBasecaseKaratsuba<R>(s), last, "basecase",
               "Karatsuba");
     // Past twice the current bound the Karatsuba halves take Toom-3 themselves,
     // so a crossover found there only says the bound should be at least that.
@@ -257,13 +257,13 @@ void tuneRadix(const Settings& s, bool avx512) {
         return c.length > 2 * current ? "  (at least: the halves take Toom-3 there)" : "";
     };
     const Crossover mulKt = mulKaratsubaToom3<R>(s), sqrKt = sqrKaratsubaToom3<R>(s);
-    printLine("kMulKaratsubaMax", rn, str(ar::kMulKaratsubaMax), mulKt, last, "Karatsuba", "Toom-3",
-              halvesNote(mulKt, ar::kMulKaratsubaMax));
-    printLine("kSqrKaratsubaMax", rn, str(ar::kSqrKaratsubaMax), sqrKt, last, "Karatsuba", "Toom-3",
-              halvesNote(sqrKt, ar::kSqrKaratsubaMax));
-    printLine("kMulTransformMin", rn, str(ar::kMulTransformMin), mulToom3Transform<R>(s), first, "Toom-3",
+    printLine("kMulKaratsubaMax", rn, str(ar::kLadder<R>.mulKaratsubaMax), mulKt, last, "Karatsuba", "Toom-3",
+              halvesNote(mulKt, ar::kLadder<R>.mulKaratsubaMax));
+    printLine("kSqrKaratsubaMax", rn, str(ar::kLadder<R>.sqrKaratsubaMax), sqrKt, last, "Karatsuba", "Toom-3",
+              halvesNote(sqrKt, ar::kLadder<R>.sqrKaratsubaMax));
+    printLine("kMulTransformMin", rn, str(ar::kLadder<R>.mulTransformMin), mulToom3Transform<R>(s), first, "Toom-3",
               "transform");
-    printLine("kSqrTransformMin", rn, str(ar::kSqrTransformMin), sqrToom3Transform<R>(s), first, "Toom-3",
+    printLine("kSqrTransformMin", rn, str(ar::kLadder<R>.sqrTransformMin), sqrToom3Transform<R>(s), first, "Toom-3",
               "transform");
     if (avx512) {
         const std::string addSubMin = str(ar::kWideAddSubMin);

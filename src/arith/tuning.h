@@ -16,11 +16,30 @@ namespace tw::arith {
 
 // ---- multiplication and squaring ladders (limbs of the shorter operand) ----
 
-// Product ladder: single limb, basecase up to 64, Karatsuba up to 192,
-// Toom-3 up to 511, number-theoretic transform from 512.
-inline constexpr std::size_t kMulBasecaseMax = 64;
-inline constexpr std::size_t kMulKaratsubaMax = 192;
-inline constexpr std::size_t kMulTransformMin = 512;
+// The rungs of both ladders in one radix: the product's (by limbs of the
+// shorter operand) single limb, basecase up to mulBasecaseMax, Karatsuba up
+// to mulKaratsubaMax, Toom-3 below mulTransformMin, the transform from there;
+// the square's the same.  An empty Toom-3 band is allowed: Toom-3 still
+// splits products too long for the transform.
+struct LadderBounds {
+    std::size_t mulBasecaseMax, mulKaratsubaMax, mulTransformMin;
+    std::size_t sqrBasecaseMax, sqrKaratsubaMax, sqrTransformMin;
+};
+
+// Radix 10^9.
+inline constexpr LadderBounds kDecimalLadder{
+    64, 192, 512,
+    128, 256, 512,
+};
+
+// Radix 2^28.
+inline constexpr LadderBounds kBinaryLadder{
+    64, 192, 512,
+    128, 256, 512,
+};
+
+template <class R>
+inline constexpr const LadderBounds& kLadder = R::isBinary ? kBinaryLadder : kDecimalLadder;
 
 // Not a rung of the public ladder: the products that the digit conversions
 // take by their own rule (multiplyFast) let the basecase run up to this
@@ -29,11 +48,6 @@ inline constexpr std::size_t kMulTransformMin = 512;
 // over 36-limb halves, and 128 limbs 1.0 us against 1.4 us.  It cannot
 // exceed the lane kernels' reach (kLaneKernelMax).
 inline constexpr std::size_t kWideBasecaseMax = 128;
-
-// Squaring ladder: wider rungs, since squaring saves the cross products.
-inline constexpr std::size_t kSqrBasecaseMax = 128;
-inline constexpr std::size_t kSqrKaratsubaMax = 256;
-inline constexpr std::size_t kSqrTransformMin = 512;
 
 // Transform lengths above this (in limbs) are not used: the sum of a
 // convolution must stay below the product of the three transform primes.
@@ -110,10 +124,13 @@ inline constexpr std::size_t kWordProductLeaf = 32;
 // 644 ms, k = n/128: 377 against 606 ms.
 inline constexpr std::uint32_t kDirectProductShare = 128;
 
-static_assert(1 < kMulBasecaseMax && kMulBasecaseMax < kMulKaratsubaMax && kMulKaratsubaMax < kMulTransformMin);
-static_assert(1 < kSqrBasecaseMax && kSqrBasecaseMax < kSqrKaratsubaMax && kSqrKaratsubaMax < kSqrTransformMin);
+constexpr bool laddersOrdered(const LadderBounds& b) {
+    return 1 < b.mulBasecaseMax && b.mulBasecaseMax < b.mulKaratsubaMax && b.mulKaratsubaMax < b.mulTransformMin &&
+           1 < b.sqrBasecaseMax && b.sqrBasecaseMax < b.sqrKaratsubaMax && b.sqrKaratsubaMax < b.sqrTransformMin;
+}
+static_assert(laddersOrdered(kDecimalLadder) && laddersOrdered(kBinaryLadder));
 static_assert(kTransformMaxLength < kTransformToomLength);
-static_assert(kWideBasecaseMax > kMulBasecaseMax);
+static_assert(kWideBasecaseMax > kBinaryLadder.mulBasecaseMax);
 static_assert(2 * kMinBlockQuotientLimbs <= kHalfReciprocalMaxQuotientLimbs);
 
 }  // namespace tw::arith

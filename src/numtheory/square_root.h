@@ -42,7 +42,7 @@ namespace detail {
 // it is cheaper.
 template <class R>
 void squareFast(arith::LimbScratch& scratch, Limb* out, const Limb* a, std::size_t n) {
-    if (arith::transformIsCheaper(n, 2 * n))
+    if (arith::transformIsCheaper<R>(n, 2 * n))
         arith::transformSquare<R>(out, a, n, scratch);
     else
         arith::square<R>(out, a, n);

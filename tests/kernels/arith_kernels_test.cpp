@@ -240,7 +240,9 @@ TYPED_TEST(Kernels, BasecaseAtEveryLength) {
 // The ladder's entry points on both sides of every rung, balanced and lopsided.
 TYPED_TEST(Kernels, LadderAtEveryRungBoundary) {
     using R = TypeParam;
-    Sizes sizes = around({1, 2, 63, 64, 65, 191, 192, 193, 511, 512, 513});
+    constexpr const A::LadderBounds& b = A::kLadder<R>;
+    const std::size_t mb = b.mulBasecaseMax, mk = b.mulKaratsubaMax, mt = b.mulTransformMin;
+    Sizes sizes = around({1, 2, mb, mb + 1, 128, 129, mk, mk + 1, mt - 1, mt, mt + 1});
     sizes.insert(sizes.end(), {{2, 3000}, {65, 2000}, {3000, 2}, {3000, 64}, {2000, 65}, {701, 150}, {2500, 193}, {5000, 600}});
     auto withZeros = shapePairs(kProductShapes);
     withZeros.insert(withZeros.end(), {{Shape::Zero, Shape::Random}, {Shape::Random, Shape::Zero}});
@@ -249,7 +251,7 @@ TYPED_TEST(Kernels, LadderAtEveryRungBoundary) {
                      product, withZeros},
         50);
     Sizes squares;
-    for (std::size_t n : either({128, 256, 512})) squares.push_back({n, 0});
+    for (std::size_t n : either({b.sqrBasecaseMax, b.sqrKaratsubaMax, b.sqrTransformMin})) squares.push_back({n, 0});
     squares.insert(squares.end(), {{1, 0}, {2, 0}, {64, 0}, {65, 0}, {193, 0}, {700, 0}});
     run(KernelRow<R>{"square", squares, twice,
                      [](Limb* o, const Limb* a, std::size_t n, const Limb*, std::size_t) { A::square<R>(o, a, n); },

@@ -471,7 +471,7 @@ TYPED_TEST(Transforms, FoldedProducts) {
 TYPED_TEST(Transforms, DivisionsKeepTheirTransforms) {
     using R = TypeParam;
     Gen gen(140);
-    const std::size_t k = A::kMulKaratsubaMax;
+    const std::size_t k = A::kLadder<R>.mulKaratsubaMax;
     for (const auto& [dn, p] : Sizes{{k - 2, k - 2}, {k, k + 1}, {300, 300}, {348, 568}, {600, 600}, {1000, 700}, {400, 420}})
         for (long shift : {0L, -2L, 3L}) {
             const Limbs d = gen.limbs<R>(dn);

@@ -109,7 +109,7 @@ int divideBlock(LimbScratch& scratch, Limb* q, std::size_t qn, Limb* r, const Li
     // With kept transforms, an estimate past the Karatsuba rung folds: the
     // modulus a quarter shorter than the product leaves a short low product.
     std::size_t foldLength = 0;
-    if (kept && std::min(ahl, vl) > kMulKaratsubaMax && cyclicFits(el - el / 4))
+    if (kept && std::min(ahl, vl) > kLadder<R>.mulKaratsubaMax && cyclicFits(el - el / 4))
         foldLength = cyclicLength(el - el / 4);
     if (foldLength > 0 && foldLength < el) {
         const CyclicFactor& vf = keptEstimate<R>(*kept, n, foldLength, vn, vl);

@@ -25,8 +25,9 @@ enum class ProductRule : bool {
 // Whether a product whose shorter operand has `shorter` limbs and whose
 // result has `total` limbs is cheaper by the transform than by the ladder:
 // in the Toom-3 band, but for results just past kTransformStep (tuning.h).
-inline bool transformIsCheaper(std::size_t shorter, std::size_t total) {
-    return shorter > kMulKaratsubaMax && shorter < kMulTransformMin &&
+template <class R>
+bool transformIsCheaper(std::size_t shorter, std::size_t total) {
+    return shorter > kLadder<R>.mulKaratsubaMax && shorter < kLadder<R>.mulTransformMin &&
            (total <= kTransformStep || total >= kTransformStep + kTransformStep / 8);
 }
 
@@ -38,7 +39,7 @@ void multiplyFast(Limb* out, const Limb* a, std::size_t an, const Limb* b, std::
         std::swap(a, b);
         std::swap(an, bn);
     }
-    if (transformIsCheaper(bn, an + bn))
+    if (transformIsCheaper<R>(bn, an + bn))
         transformMultiply<R>(out, a, an, b, bn);
     else
         multiplyWideBasecase<R>(out, a, an, b, bn);
@@ -63,7 +64,7 @@ void multiplyBy(ProductRule rule, Limb* out, const Limb* a, std::size_t an, cons
 template <class R>
 bool cyclicIsCheaper(std::size_t shorter, std::size_t longer, std::size_t length) {
     if (shorter > longer) std::swap(shorter, longer);
-    if (shorter <= kMulBasecaseMax || longer < kCyclicMinLonger) return false;
+    if (shorter <= kLadder<R>.mulBasecaseMax || longer < kCyclicMinLonger) return false;
     constexpr unsigned c = R::isBinary ? kCyclicCostBinary : kCyclicCostDecimal;
     return u128(shorter) * longer * longer >= u128(c) * length * length;
 }

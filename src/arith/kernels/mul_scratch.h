@@ -51,7 +51,8 @@ public:
     // Blocks allocated so far (one when the estimate was enough).
     std::size_t blockCount() const { return blocks_.size(); }
 
-    // The longest shorter operand of a product that takes the basecase rung.
+    // The longest shorter operand of a product that takes the basecase rung;
+    // 0 (the default) leaves it to the ladder's bound for the radix.
     std::size_t basecaseMax() const { return basecaseMax_; }
     void setBasecaseMax(std::size_t limbs) { basecaseMax_ = limbs; }
 
@@ -84,7 +85,7 @@ private:
     std::size_t current_ = 0;   // block served from
     std::size_t used_ = 0;      // limbs of it handed out
     std::size_t expected_;
-    std::size_t basecaseMax_ = kMulBasecaseMax;
+    std::size_t basecaseMax_ = 0;
 };
 
 }  // namespace tw::arith

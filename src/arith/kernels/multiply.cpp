@@ -20,17 +20,24 @@ namespace tw::arith {
 
 namespace {
 
+// The longest shorter operand the basecase takes: the caller's bound if it
+// set one, else the radix's.
+template <class R>
+std::size_t basecaseBound(const LimbScratch& scratch) {
+    return scratch.basecaseMax() ? scratch.basecaseMax() : kLadder<R>.mulBasecaseMax;
+}
+
 // The rung for L[0..l) * S[0..s): l >= s >= 1, both spans with non-zero top
 // and bottom limbs.  Only s decides.
 template <class R>
 void mulSpans(Limb* out, const Limb* L, std::size_t l, const Limb* S, std::size_t s, LimbScratch& scratch) {
     if (s == 1) {
         mulByLimb<R>(out, L, l, S[0]);
-    } else if (s <= scratch.basecaseMax()) {
+    } else if (s <= basecaseBound<R>(scratch)) {
         mulBasecase<R>(out, L, l, S, s);
-    } else if (s <= kMulKaratsubaMax) {
+    } else if (s <= kLadder<R>.mulKaratsubaMax) {
         mulKaratsuba<R>(out, L, l, S, s, scratch);
-    } else if (s < kMulTransformMin) {
+    } else if (s < kLadder<R>.mulTransformMin) {
         mulToom3<R>(out, L, l, S, s, scratch);
     } else if (transformFits(s)) {
         transformMultiply<R>(out, L, l, S, s);
@@ -45,11 +52,11 @@ void mulSpans(Limb* out, const Limb* L, std::size_t l, const Limb* S, std::size_
 // The squaring rung for a[0..n), a span with non-zero top and bottom limbs.
 template <class R>
 void sqrSpan(Limb* out, const Limb* a, std::size_t n, LimbScratch& scratch) {
-    if (n <= kSqrBasecaseMax) {
+    if (n <= kLadder<R>.sqrBasecaseMax) {
         sqrBasecase<R>(out, a, n);
-    } else if (n <= kSqrKaratsubaMax) {
+    } else if (n <= kLadder<R>.sqrKaratsubaMax) {
         sqrKaratsuba<R>(out, a, n, scratch);
-    } else if (n < kSqrTransformMin) {
+    } else if (n < kLadder<R>.sqrTransformMin) {
         sqrToom3<R>(out, a, n, scratch);
     } else {
         // The transform length of a square: the allowed length not below 2n.
