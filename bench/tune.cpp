@@ -112,6 +112,17 @@ void sqrTransformRung(Work& w, std::size_t n) {
     ar::transformSquare<R>(w.out.data(), w.a.data(), n);
 }
 
+// The rung right below the transform as the ladder stands: Toom-3, or
+// Karatsuba where the Toom-3 band is empty or has not begun.
+template <class R>
+void mulBelowTransformRung(Work& w, std::size_t n) {
+    n <= ar::kLadder<R>.mulKaratsubaMax ? mulKaratsubaRung<R>(w, n) : mulToom3Rung<R>(w, n);
+}
+template <class R>
+void sqrBelowTransformRung(Work& w, std::size_t n) {
+    n <= ar::kLadder<R>.sqrKaratsubaMax ? sqrKaratsubaRung<R>(w, n) : sqrToom3Rung<R>(w, n);
+}
+
 // The lower rung against the upper one over the candidate lengths.  With
 // basecaseFollowsN the arena's basecase bound follows n, so one level of
 // Karatsuba has halves that take the basecase, as right above the switch-over.
@@ -147,11 +158,11 @@ Crossover sqrKaratsubaToom3(const Settings& s) {
 }
 template <class R>
 Crossover mulToom3Transform(const Settings& s) {
-    return race<R>(s.quick ? lengths(128, 2048, 64) : lengths(128, 2048, 16), mulToom3Rung<R>, mulTransformRung<R>, s);
+    return race<R>(s.quick ? lengths(128, 2048, 64) : lengths(128, 2048, 16), mulBelowTransformRung<R>, mulTransformRung<R>, s);
 }
 template <class R>
 Crossover sqrToom3Transform(const Settings& s) {
-    return race<R>(s.quick ? lengths(128, 2048, 64) : lengths(128, 2048, 16), sqrToom3Rung<R>, sqrTransformRung<R>, s);
+    return race<R>(s.quick ? lengths(128, 2048, 64) : lengths(128, 2048, 16), sqrBelowTransformRung<R>, sqrTransformRung<R>, s);
 }
 
 // ---- the 512-bit kernels (only where the processor runs them) ----
@@ -261,9 +272,9 @@ void tuneRadix(const Settings& s, bool avx512) {
               halvesNote(mulKt, ar::kLadder<R>.mulKaratsubaMax));
     printLine("kSqrKaratsubaMax", rn, str(ar::kLadder<R>.sqrKaratsubaMax), sqrKt, last, "Karatsuba", "Toom-3",
               halvesNote(sqrKt, ar::kLadder<R>.sqrKaratsubaMax));
-    printLine("kMulTransformMin", rn, str(ar::kLadder<R>.mulTransformMin), mulToom3Transform<R>(s), first, "Toom-3",
+    printLine("kMulTransformMin", rn, str(ar::kLadder<R>.mulTransformMin), mulToom3Transform<R>(s), first, "rung below",
               "transform");
-    printLine("kSqrTransformMin", rn, str(ar::kLadder<R>.sqrTransformMin), sqrToom3Transform<R>(s), first, "Toom-3",
+    printLine("kSqrTransformMin", rn, str(ar::kLadder<R>.sqrTransformMin), sqrToom3Transform<R>(s), first, "rung below",
               "transform");
     if (avx512) {
         const std::string addSubMin = str(ar::kWideAddSubMin);

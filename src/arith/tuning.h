@@ -26,24 +26,36 @@ struct LadderBounds {
     std::size_t sqrBasecaseMax, sqrKaratsubaMax, sqrTransformMin;
 };
 
-// Radix 10^9.
+// Radix 10^9, measured by tw_tune (us, lower rung | upper rung at the first
+// length the upper one wins; machine under load).  Basecase against one level
+// of Karatsuba: even from 76 to 85 limbs (1.0 | 0.98 us at 76).  Karatsuba
+// beats Toom-3 up to 439 limbs and more, and the transform takes over from
+// Karatsuba at 240 limbs (8.0 | 5.7 us; Toom-3 there 8.4 us), so the Toom-3
+// band is empty.  Squares: the basecase to 128 (the lane kernels' reach; at
+// 132 limbs 4.0 | 2.2 us), Karatsuba to 207, the transform from 208
+// (6.2 | 4.3 us); Karatsuba beats Toom-3 past 520.
 inline constexpr LadderBounds kDecimalLadder{
-    64, 192, 512,
-    128, 256, 512,
+    75, 239, 240,
+    128, 207, 208,
 };
 
-// Radix 2^28.
+// Radix 2^28.  The basecase against Karatsuba: ahead up to the lane kernels'
+// reach where the 512-bit kernels run (at 129 limbs 4.2 | 0.9 us), so there
+// the ladder takes kWideBasecaseMax instead of mulBasecaseMax.  Karatsuba
+// beats Toom-3 at every length below the transform (12.2 | 14.9 us at 640
+// limbs); the transform wins from 416 to 432 limbs (12.3 | 11.4 us at 432).
+// Squares: the basecase to 128 (2.5 | 1.0 us at 132), Karatsuba against
+// Toom-3 even at 511, the transform from 384 to 416 (7.5 | 7.0 us at 384).
 inline constexpr LadderBounds kBinaryLadder{
-    64, 192, 512,
-    128, 256, 512,
+    64, 415, 416,
+    128, 383, 384,
 };
 
 template <class R>
 inline constexpr const LadderBounds& kLadder = R::isBinary ? kBinaryLadder : kDecimalLadder;
 
-// Not a rung of the public ladder: the products that the digit conversions
-// take by their own rule (multiplyFast) let the basecase run up to this
-// shorter operand in radix 2^28 where the 512-bit kernels are available.
+// The basecase's bound in radix 2^28 where the 512-bit kernels are available,
+// for the ladder and for the conversions' own rule (multiplyFast) alike.
 // There one basecase of 72 limbs takes 0.4 us against 0.7 us by Karatsuba
 // over 36-limb halves, and 128 limbs 1.0 us against 1.4 us.  It cannot
 // exceed the lane kernels' reach (kLaneKernelMax).

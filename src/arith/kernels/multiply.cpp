@@ -21,10 +21,12 @@ namespace tw::arith {
 namespace {
 
 // The longest shorter operand the basecase takes: the caller's bound if it
-// set one, else the radix's.
+// set one, else the radix's (raised in radix 2^28 where the 512-bit basecase runs).
 template <class R>
 std::size_t basecaseBound(const LimbScratch& scratch) {
-    return scratch.basecaseMax() ? scratch.basecaseMax() : kLadder<R>.mulBasecaseMax;
+    if (scratch.basecaseMax()) return scratch.basecaseMax();
+    if (R::isBinary && basecasePathFor<R>(kWideBasecaseMax) == KernelPath::Avx512) return kWideBasecaseMax;
+    return kLadder<R>.mulBasecaseMax;
 }
 
 // The rung for L[0..l) * S[0..s): l >= s >= 1, both spans with non-zero top
