@@ -26,29 +26,30 @@ struct LadderBounds {
     std::size_t sqrBasecaseMax, sqrKaratsubaMax, sqrTransformMin;
 };
 
-// Radix 10^9, measured by tw_tune (us, lower rung | upper rung at the first
-// length the upper one wins; machine under load).  Basecase against one level
-// of Karatsuba: even from 76 to 85 limbs (1.0 | 0.98 us at 76).  Karatsuba
-// beats Toom-3 up to 439 limbs and more, and the transform takes over from
-// Karatsuba at 240 limbs (8.0 | 5.7 us; Toom-3 there 8.4 us), so the Toom-3
-// band is empty.  Squares: the basecase to 128 (the lane kernels' reach; at
-// 132 limbs 4.0 | 2.2 us), Karatsuba to 207, the transform from 208
-// (6.2 | 4.3 us); Karatsuba beats Toom-3 past 520.
+// Radix 10^9, measured by tw_tune and by timing the rungs side by side on
+// balanced operands (us; machine under load).  Basecase against one level of
+// Karatsuba: 1.03 | 1.05 at 64 limbs, 1.16 | 1.25 at 72, 1.55 | 1.49 at 80.
+// Karatsuba beats Toom-3 at every length below the transform (6.2 | 7.5 at
+// 192 limbs, 14.2 | 16.6 at 320), so the Toom-3 band is empty.  Karatsuba
+// against the transform: 6.19 | 6.12 at 192 limbs, 6.91 | 5.70 at 208.
+// Squares: the basecase to the lane kernels' reach (2.56 | 2.91 at 128
+// limbs); Karatsuba against the transform 4.33 | 4.49 at 176, 5.06 | 4.72 at 192.
 inline constexpr LadderBounds kDecimalLadder{
-    75, 239, 240,
-    128, 207, 208,
+    75, 199, 200,
+    128, 183, 184,
 };
 
 // Radix 2^28.  The basecase against Karatsuba: ahead up to the lane kernels'
-// reach where the 512-bit kernels run (at 129 limbs 4.2 | 0.9 us), so there
+// reach where the 512-bit kernels run (0.99 | 1.16 at 128 limbs), so there
 // the ladder takes kWideBasecaseMax instead of mulBasecaseMax.  Karatsuba
-// beats Toom-3 at every length below the transform (12.2 | 14.9 us at 640
-// limbs); the transform wins from 416 to 432 limbs (12.3 | 11.4 us at 432).
-// Squares: the basecase to 128 (2.5 | 1.0 us at 132), Karatsuba against
-// Toom-3 even at 511, the transform from 384 to 416 (7.5 | 7.0 us at 384).
+// beats Toom-3 at every length below the transform (8.6 | 11.9 at 464
+// limbs), and the transform from about 500 limbs: 8.60 | 10.15 at 464,
+// 9.18 | 10.02 at 496, 10.33 | 10.03 at 512.  Squares: the basecase to 128
+// (0.93 | 1.34), Karatsuba against the transform 7.90 | 7.98 at 464 limbs,
+// 7.99 | 7.79 at 480, 8.79 | 7.73 at 512.
 inline constexpr LadderBounds kBinaryLadder{
-    64, 415, 416,
-    128, 383, 384,
+    64, 499, 500,
+    128, 471, 472,
 };
 
 template <class R>
