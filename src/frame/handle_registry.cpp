@@ -3,6 +3,13 @@
 #include "frame/error_state.h"
 
 namespace tw {
+
+namespace detail {
+constinit RegistryHolder decimalRegistryHolder{HandleFamily::Decimal};
+constinit RegistryHolder binaryRegistryHolder{HandleFamily::Binary};
+constinit RegistryHolder converterRegistryHolder{HandleFamily::Converter};
+}  // namespace detail
+
 namespace {
 
 // Each thread's free slots of the three families; handed back to the shared

@@ -47,20 +47,20 @@ private:
     static constexpr std::size_t kChunkSlots = std::size_t(1) << kChunkBits;
     static constexpr std::size_t kChunks = std::size_t(1) << (HandleCodec::kSlotBits - kChunkBits);
 
-    Slot* slotOf(std::uintptr_t value) const noexcept {
+    [[gnu::always_inline]] Slot* slotOf(std::uintptr_t value) const noexcept {
         const std::uint32_t slot = HandleCodec::slot(value);
         Slot* chunk = chunks_[slot >> kChunkBits].load(std::memory_order_acquire);
         return chunk == nullptr ? nullptr : chunk + (slot & (kChunkSlots - 1));
     }
 
 public:
-    explicit HandleRegistry(HandleFamily family) : family_(family) {}
+    constexpr explicit HandleRegistry(HandleFamily family) : family_(family) {}
     HandleRegistry(const HandleRegistry&) = delete;
     HandleRegistry& operator=(const HandleRegistry&) = delete;
 
     // The object behind a live handle of this family, else null; records
     // nothing.  Inline: every call of the C interface makes one per handle.
-    void* find(const void* handle) const noexcept {
+    [[gnu::always_inline]] void* find(const void* handle) const noexcept {
         const auto value = reinterpret_cast<std::uintptr_t>(handle);
         // Only values this registry could have made: its family and no stray bits.
         if ((value & 3) != std::uintptr_t(family_) ||
@@ -102,20 +102,23 @@ private:
     std::uint32_t nextUnused_ = 0;     // slots from here on were never used
 };
 
-// The registries are never destroyed: a handle used from another static
-// object's destructor at exit, or a thread ending late, still meets a valid
-// one.  Inline, so that a lookup costs no call.
-inline HandleRegistry& decimalRegistry() {
-    static HandleRegistry* registry = new HandleRegistry(HandleFamily::Decimal);
-    return *registry;
-}
-inline HandleRegistry& binaryRegistry() {
-    static HandleRegistry* registry = new HandleRegistry(HandleFamily::Binary);
-    return *registry;
-}
-inline HandleRegistry& converterRegistry() {
-    static HandleRegistry* registry = new HandleRegistry(HandleFamily::Converter);
-    return *registry;
-}
+// The registries are constant-initialised, so a lookup meets no guard of a
+// function-local static and no pointer to follow, and never destroyed: a
+// handle used from another static object's destructor at exit, or a thread
+// ending late, still meets a valid one.
+namespace detail {
+union RegistryHolder {
+    HandleRegistry registry;
+    constexpr explicit RegistryHolder(HandleFamily family) : registry(family) {}
+    ~RegistryHolder() {}
+};
+extern RegistryHolder decimalRegistryHolder;
+extern RegistryHolder binaryRegistryHolder;
+extern RegistryHolder converterRegistryHolder;
+}  // namespace detail
+
+inline HandleRegistry& decimalRegistry() { return detail::decimalRegistryHolder.registry; }
+inline HandleRegistry& binaryRegistry() { return detail::binaryRegistryHolder.registry; }
+inline HandleRegistry& converterRegistry() { return detail::converterRegistryHolder.registry; }
 
 }  // namespace tw

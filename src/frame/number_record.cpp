@@ -83,6 +83,11 @@ void resizeStorage(NumberRecord& r, std::uint32_t limbCount, bool discard) {
     pointAtStorage(r);
 }
 
+void freeTextBuffers(NumberRecord& r) {
+    r.textBufferA.reset();
+    r.textBufferW.reset();
+}
+
 Limb* prepareOverwriteSlow(NumberRecord& r, std::uint32_t limbCount) {
     resizeStorage(r, limbCount, true);
     return r.allocated() >= limbCount ? r.digits : nullptr;

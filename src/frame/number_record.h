@@ -46,16 +46,18 @@ struct NumberRecord {
 // limbs cannot be had, records -3 and leaves the record zero.
 void resizeStorage(NumberRecord& record, std::uint32_t limbCount, bool discard);
 
-inline void dropTextBuffers(NumberRecord& record) {
-    if (record.textBufferA) record.textBufferA.reset();
-    if (record.textBufferW) record.textBufferW.reset();
+void freeTextBuffers(NumberRecord& record);
+// Inline, as almost every operation calls it on a record that holds no text.
+[[gnu::always_inline]] inline void dropTextBuffers(NumberRecord& record) {
+    if (record.textBufferA || record.textBufferW) [[unlikely]]
+        freeTextBuffers(record);
 }
 
 // Makes the record zero (keeps its storage, drops its text).
 void setRecordZero(NumberRecord& record);
 
 // Recomputes topIndex and lowIndex after limbs 0 .. limbCount-1 were written.
-inline void normalizeIndices(NumberRecord& record, std::uint32_t limbCount) {
+[[gnu::always_inline]] inline void normalizeIndices(NumberRecord& record, std::uint32_t limbCount) {
     std::uint32_t top = limbCount ? limbCount - 1 : 0;
     while (top > 0 && record.digits[top] == 0) --top;
     if (record.digits[top] == 0) {
@@ -76,7 +78,7 @@ inline void normalizeIndices(NumberRecord& record, std::uint32_t limbCount) {
 // zeroing of limbs that are zero already.  Null, with -3 recorded and the
 // record zero, when the limbs cannot be had.
 Limb* prepareOverwriteSlow(NumberRecord& record, std::uint32_t limbCount);
-inline Limb* prepareOverwrite(NumberRecord& record, std::uint32_t limbCount) {
+[[gnu::always_inline]] inline Limb* prepareOverwrite(NumberRecord& record, std::uint32_t limbCount) {
     dropTextBuffers(record);
     if (record.digits != record.limbs.data() || limbCount > record.allocated())
         return prepareOverwriteSlow(record, limbCount);
