@@ -23,7 +23,7 @@ namespace frame_detail {
 // The object behind h while every handle before it was known; null once one
 // was not (only the first unknown handle records -4).
 template <class Handle>
-typename Family<Handle>::Object* nextObject(bool& known, Handle h) {
+[[gnu::always_inline]] inline typename Family<Handle>::Object* nextObject(bool& known, Handle h) {
     if (!known) return nullptr;
     auto* object = checkedObject(h);
     known = object != nullptr;
@@ -38,9 +38,11 @@ bool allHandlesKnown(Handles... handles) {
     return ((checkedObject(handles) != nullptr) && ...);
 }
 
-// Queries: the operation's value, or `failure` for an unknown handle.
+// Queries: the operation's value, or `failure` for an unknown handle.  The
+// frames are inlined into each exported function, so the operation is a
+// direct call and the handle checks cost no call of their own.
 template <class T, class Op, class... Handles>
-T frameQuery(T failure, Op&& op, Handles... handles) {
+[[gnu::always_inline]] inline T frameQuery(T failure, Op&& op, Handles... handles) {
     bool known = true;
     // A braced list evaluates left to right: the handles are checked in order.
     const std::tuple<typename Family<Handles>::Object*...> objects{frame_detail::nextObject(known, handles)...};
@@ -56,7 +58,7 @@ T frameQuery(T failure, Op&& op, Handles... handles) {
 // Operations that change the object of their first handle: returns it, or
 // null for an unknown handle.
 template <class Op, class Result, class... Handles>
-Result frameUpdate(Op&& op, Result result, Handles... operands) {
+[[gnu::always_inline]] inline Result frameUpdate(Op&& op, Result result, Handles... operands) {
     bool known = true;
     auto* target = frame_detail::nextObject(known, result);
     const std::tuple<typename Family<Handles>::Object*...> objects{frame_detail::nextObject(known, operands)...};

@@ -46,47 +46,75 @@ struct Case {
     Timing (*run)(std::size_t digits, double budget);
 };
 
+// Calls a few-nanosecond operation this many times per timed call, so that
+// the harness's own call does not blur the ratio.
+constexpr int kSmallRepeat = 16;
+int repeatFor(std::size_t digits) { return digits < 1000 ? kSmallRepeat : 1; }
+
+// Times `repeat` calls of each per timed call and reports one.
+template <class Ours, class Gmp>
+Timing timeRepeated(int repeat, Ours ours, Gmp gmp, double budget) {
+    Timing t = timeSideBySide([&] { for (int i = 0; i < repeat; ++i) ours(); },
+                              [&] { for (int i = 0; i < repeat; ++i) gmp(); }, budget);
+    t.ours /= repeat;
+    t.gmp /= repeat;
+    return t;
+}
+
 // r := a op b against GMP's op on the same operands (a product is a square
 // when b is a).
 template <class Handle>
 Timing timeBinary(Handle (*ours)(Handle, Handle, Handle), void (*gmp)(mpz_ptr, mpz_srcptr, mpz_srcptr), Handle a,
-                  Handle b, mpz_srcptr ga, mpz_srcptr gb, Handle r, double budget) {
+                  Handle b, mpz_srcptr ga, mpz_srcptr gb, Handle r, double budget, int repeat = 1) {
     mpz_t g;
     mpz_init(g);
-    const Timing t = timeSideBySide([&] { ours(r, a, b); }, [&] { gmp(g, ga, gb); }, budget);
+    const Timing t = timeRepeated(repeat, [&] { ours(r, a, b); }, [&] { gmp(g, ga, gb); }, budget);
     mpz_clear(g);
     return t;
 }
 
+Timing addDecimal(std::size_t digits, double budget) {
+    Operand a(24, digits), b(25, digits), r(0, 1);
+    return timeBinary(HI_add, mpz_add, a.hi, b.hi, a.gmp, b.gmp, r.hi, budget, repeatFor(digits));
+}
+
+Timing addBinary(std::size_t digits, double budget) {
+    Operand a(26, digits), b(27, digits), r(0, 1);
+    return timeBinary(HX_add, mpz_add, a.hx, b.hx, a.gmp, b.gmp, r.hx, budget, repeatFor(digits));
+}
+
 Timing mulDecimal(std::size_t digits, double budget) {
     Operand a(1, digits), b(2, digits), r(0, 1);
-    return timeBinary(HI_mul, mpz_mul, a.hi, b.hi, a.gmp, b.gmp, r.hi, budget);
+    return timeBinary(HI_mul, mpz_mul, a.hi, b.hi, a.gmp, b.gmp, r.hi, budget, repeatFor(digits));
 }
 
 Timing squareDecimal(std::size_t digits, double budget) {
     Operand a(3, digits), r(0, 1);
-    return timeBinary(HI_mul, mpz_mul, a.hi, a.hi, a.gmp, a.gmp, r.hi, budget);
+    return timeBinary(HI_mul, mpz_mul, a.hi, a.hi, a.gmp, a.gmp, r.hi, budget, repeatFor(digits));
 }
 
 Timing mulBinary(std::size_t digits, double budget) {
     Operand a(4, digits), b(5, digits), r(0, 1);
-    return timeBinary(HX_mul, mpz_mul, a.hx, b.hx, a.gmp, b.gmp, r.hx, budget);
+    return timeBinary(HX_mul, mpz_mul, a.hx, b.hx, a.gmp, b.gmp, r.hx, budget, repeatFor(digits));
 }
 
-Timing divideDecimal(std::size_t digits, double budget) {
-    Operand a(6, 2 * digits), b(7, digits);
-    HI_handle q = HI_new(), r = HI_new();
+// 2n by n digits against mpz_tdiv_qr.
+template <class Handle>
+Timing divideTiming(Handle (*ours)(Handle, Handle, Handle, Handle), Handle Operand::*member, std::size_t digits,
+                    double budget) {
+    Operand a(6, 2 * digits), b(7, digits), q(0, 1), r(0, 1);
     mpz_t gq, gr;
     mpz_init(gq);
     mpz_init(gr);
-    const Timing t = timeSideBySide([&] { HI_divRem(q, a.hi, b.hi, r); },
-                                    [&] { mpz_tdiv_qr(gq, gr, a.gmp, b.gmp); }, budget);
+    const Timing t = timeRepeated(repeatFor(digits), [&] { ours(q.*member, a.*member, b.*member, r.*member); },
+                                  [&] { mpz_tdiv_qr(gq, gr, a.gmp, b.gmp); }, budget);
     mpz_clear(gq);
     mpz_clear(gr);
-    HI_delete(q);
-    HI_delete(r);
     return t;
 }
+
+Timing divideDecimal(std::size_t digits, double budget) { return divideTiming(HI_divRem, &Operand::hi, digits, budget); }
+Timing divideBinary(std::size_t digits, double budget) { return divideTiming(HX_divRem, &Operand::hx, digits, budget); }
 
 // gcd against mpz_gcd, the extended form against mpz_gcdext.
 Timing gcdDecimal(std::size_t digits, double budget) {
@@ -243,11 +271,25 @@ Timing convertBetweenTypes(std::size_t digits, double budget) {
     return t;
 }
 
+// Small numbers, where the call itself costs most: 2-limb sums (18 digits
+// are two limbs of 10^9, 16 digits two of 2^28) and 100-digit products and
+// divisions.
+const Case kSmallCases[] = {
+    {"HI_add", 18, addDecimal},
+    {"HX_add", 16, addBinary},
+    {"HI_mul", 100, mulDecimal},
+    {"HI_mul square", 100, squareDecimal},
+    {"HX_mul", 100, mulBinary},
+    {"HI_divRem 2n/n", 100, divideDecimal},
+    {"HX_divRem 2n/n", 100, divideBinary},
+};
+
 const Case kCases[] = {
     {"HI_mul", 10000000, mulDecimal},
     {"HI_mul square", 10000000, squareDecimal},
     {"HX_mul", 10000000, mulBinary},
     {"HI_divRem 2n/n", 1000000, divideDecimal},
+    {"HX_divRem 2n/n", 100000, divideBinary},
     {"HI_getStrA", 10000000, decimalText},
     {"HI_set_strA", 10000000, decimalParse},
     {"HX_getStrA hex", 10000000, hexText},
@@ -321,6 +363,44 @@ void runPrimeCountCases(const Options& options) {
     std::printf("| TW_getPrimePi, first call | 32 bits | %s | - | - |\n", formatSeconds(first).c_str());
     std::printf("| TW_getPrimePi, mean | 32 bits | %s | - | - |\n", formatSeconds(pi).c_str());
     std::printf("| TW_getPrime, mean | 32 bits | %s | - | - |\n", formatSeconds(nth).c_str());
+}
+
+// The cost of a handle's life: a turn of new, add and delete against
+// mpz_init, mpz_add and mpz_clear; and HI_add on three handles while 10^6
+// others are live against the same with only those three live (both ours).
+void runHandleCases(const Options& options) {
+    if (!options.only.empty() && std::string("HI_new HI_add handles").find(options.only) == std::string::npos) return;
+    Operand a(28, 18), b(29, 18);
+    const Timing turn = timeRepeated(kSmallRepeat, [&] {
+        HI_handle t = HI_new();
+        HI_add(t, a.hi, b.hi);
+        HI_delete(t);
+    }, [&] {
+        mpz_t t;
+        mpz_init(t);
+        mpz_add(t, a.gmp, b.gmp);
+        mpz_clear(t);
+    }, options.budget);
+    printRow({"HI_new, HI_add, HI_delete", "18", turn});
+    // The two states cannot coexist, so they alternate: rounds of a timed
+    // batch with few handles, then with many.
+    const auto batch = [&](HI_handle r, HI_handle x, HI_handle y) {
+        const auto start = std::chrono::steady_clock::now();
+        for (int i = 0; i < 1000000; ++i) HI_add(r, x, y);
+        return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count() / 1e6;
+    };
+    Timing live{1e30, 1e30};
+    std::vector<HI_handle> many(1000000);
+    for (int round = 0; round < 3; ++round) {
+        HI_handle r = HI_new();
+        live.gmp = std::min(live.gmp, batch(r, a.hi, b.hi));
+        HI_delete(r);
+        for (HI_handle& h : many) h = HI_set_hi(HI_new(), a.hi);
+        live.ours = std::min(live.ours, batch(many[many.size() / 3], many[many.size() / 2], many.back()));
+        for (HI_handle h : many) HI_delete(h);
+    }
+    std::printf("| HI_add, 10^6 live handles / 3 live | 18 | %s | %s | %.2f |\n", formatSeconds(live.ours).c_str(),
+                formatSeconds(live.gmp).c_str(), live.ours / live.gmp);
 }
 
 void runPowModCases(const Options& options) {
@@ -417,6 +497,12 @@ int main(int argc, char** argv) {
     if (argc == 4 && !std::strcmp(argv[1], "--peak-memory")) return peakMemoryRun(argv[2], std::strtoull(argv[3], nullptr, 10));
     const Options options = parse(argc, argv);
     printHeader();
+    for (const Case& c : kSmallCases) {
+        if (!options.only.empty() && std::string(c.name).find(options.only) == std::string::npos) continue;
+        TW_setTerminate(0);
+        printRow({c.name, std::to_string(c.maxDigits), c.run(c.maxDigits, options.budget)});
+    }
+    runHandleCases(options);
     for (const Case& c : kCases) {
         if (!options.only.empty() && std::string(c.name).find(options.only) == std::string::npos) continue;
         for (std::size_t digits = 1000; digits <= std::min(c.maxDigits, options.maxDigits); digits *= 10) {

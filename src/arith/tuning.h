@@ -62,6 +62,14 @@ inline constexpr const LadderBounds& kLadder = R::isBinary ? kBinaryLadder : kDe
 // exceed the lane kernels' reach (kLaneKernelMax).
 inline constexpr std::size_t kWideBasecaseMax = 128;
 
+// Decimal squares of up to this many limbs are taken as products a * a: the
+// product's lanes beat the triangle with its serial doubling pass while that
+// pass is a large part of the work.  Measured through HI_mul(r, a, a): 12
+// limbs 101 against 138-182 ns, 23 limbs 0.92 of the time, 34 limbs 0.88, 45
+// limbs about even, 111 limbs 1.6 times.  (Radix 2^28 keeps the triangle: its
+// 512-bit square lanes start at kWideLanesSqrMin.)
+inline constexpr std::size_t kSqrAsProductMaxDecimal = 32;
+
 // Transform lengths above this (in limbs) are not used: the sum of a
 // convolution must stay below the product of the three transform primes.
 inline constexpr std::size_t kTransformMaxLength = 0x3000000;
@@ -108,6 +116,15 @@ inline constexpr unsigned kCyclicCostBinary = 54;
 inline constexpr std::size_t kCyclicMinLonger = 140;
 
 // ---- division (divide_newton.h) ----
+
+// Quotients of up to this many limbs are found by long division, one limb
+// at a time (n * bn limb products), without a reciprocal; dividends of up to
+// kSchoolbookDivideStackLimbs do it in a copy on the stack.  Measured on 2n by
+// n decimal digits: at 12 quotient limbs 0.64 against 0.92 us through the
+// reciprocal (binary 0.58 against 0.73), at 17 limbs 0.85 times the time, at
+// 23 about even, at 34 limbs 1.5 times.
+inline constexpr std::size_t kSchoolbookDivideMaxQuotientLimbs = 20;
+inline constexpr std::size_t kSchoolbookDivideStackLimbs = 256;
 
 // Quotient limbs a block takes at the least: below this the fixed cost of a
 // block outweighs its products, so short divisors get blocks longer than

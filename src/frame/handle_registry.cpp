@@ -3,6 +3,13 @@
 #include "frame/error_state.h"
 
 namespace tw {
+
+namespace detail {
+constinit RegistryHolder decimalRegistryHolder{HandleFamily::Decimal};
+constinit RegistryHolder binaryRegistryHolder{HandleFamily::Binary};
+constinit RegistryHolder converterRegistryHolder{HandleFamily::Converter};
+}  // namespace detail
+
 namespace {
 
 // Each thread's free slots of the three families; handed back to the shared
@@ -24,26 +31,6 @@ std::vector<std::uint32_t>& threadSlots(HandleFamily family) {
 constexpr std::size_t kThreadSlotsMax = 4 * HandleRegistry::kBatch;
 
 }  // namespace
-
-HandleRegistry::Slot* HandleRegistry::slotOf(std::uintptr_t value) const noexcept {
-    const std::uint32_t slot = HandleCodec::slot(value);
-    Slot* chunk = chunks_[slot >> kChunkBits].load(std::memory_order_acquire);
-    return chunk == nullptr ? nullptr : chunk + (slot & (kChunkSlots - 1));
-}
-
-void* HandleRegistry::find(const void* handle) const noexcept {
-    const auto value = reinterpret_cast<std::uintptr_t>(handle);
-    // Only values this registry could have made: its family and no stray bits.
-    if ((value & 3) != std::uintptr_t(family_) ||
-        HandleCodec::encode(family_, HandleCodec::slot(value), HandleCodec::generation(value)) != value)
-        return nullptr;
-    const Slot* s = slotOf(value);
-    if (s == nullptr) return nullptr;
-    void* object = s->object.load(std::memory_order_acquire);
-    if (object == nullptr || s->generation.load(std::memory_order_relaxed) != HandleCodec::generation(value))
-        return nullptr;
-    return object;
-}
 
 void HandleRegistry::fillFromPool(std::vector<std::uint32_t>& out) noexcept {
     try {
@@ -104,21 +91,6 @@ void* HandleRegistry::take(const void* handle) noexcept {
     }
     if (mine.size() > kThreadSlotsMax) returnToPool(mine, mine.size() / 2);
     return object;
-}
-
-// The registries are never destroyed: a handle used from another static
-// object's destructor at exit, or a thread ending late, still meets a valid one.
-HandleRegistry& decimalRegistry() {
-    static HandleRegistry* registry = new HandleRegistry(HandleFamily::Decimal);
-    return *registry;
-}
-HandleRegistry& binaryRegistry() {
-    static HandleRegistry* registry = new HandleRegistry(HandleFamily::Binary);
-    return *registry;
-}
-HandleRegistry& converterRegistry() {
-    static HandleRegistry* registry = new HandleRegistry(HandleFamily::Converter);
-    return *registry;
 }
 
 }  // namespace tw

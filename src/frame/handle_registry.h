@@ -38,13 +38,41 @@ struct HandleCodec {
 };
 
 class HandleRegistry {
+private:
+    struct Slot {
+        std::atomic<std::uint32_t> generation{0};
+        std::atomic<void*> object{nullptr};
+    };
+    static constexpr unsigned kChunkBits = 12;
+    static constexpr std::size_t kChunkSlots = std::size_t(1) << kChunkBits;
+    static constexpr std::size_t kChunks = std::size_t(1) << (HandleCodec::kSlotBits - kChunkBits);
+
+    [[gnu::always_inline]] Slot* slotOf(std::uintptr_t value) const noexcept {
+        const std::uint32_t slot = HandleCodec::slot(value);
+        Slot* chunk = chunks_[slot >> kChunkBits].load(std::memory_order_acquire);
+        return chunk == nullptr ? nullptr : chunk + (slot & (kChunkSlots - 1));
+    }
+
 public:
-    explicit HandleRegistry(HandleFamily family) : family_(family) {}
+    constexpr explicit HandleRegistry(HandleFamily family) : family_(family) {}
     HandleRegistry(const HandleRegistry&) = delete;
     HandleRegistry& operator=(const HandleRegistry&) = delete;
 
-    // The object behind a live handle of this family, else null; records nothing.
-    void* find(const void* handle) const noexcept;
+    // The object behind a live handle of this family, else null; records
+    // nothing.  Inline: every call of the C interface makes one per handle.
+    [[gnu::always_inline]] void* find(const void* handle) const noexcept {
+        const auto value = reinterpret_cast<std::uintptr_t>(handle);
+        // Only values this registry could have made: its family and no stray bits.
+        if ((value & 3) != std::uintptr_t(family_) ||
+            HandleCodec::encode(family_, HandleCodec::slot(value), HandleCodec::generation(value)) != value)
+            return nullptr;
+        const Slot* s = slotOf(value);
+        if (s == nullptr) return nullptr;
+        void* object = s->object.load(std::memory_order_acquire);
+        if (object == nullptr || s->generation.load(std::memory_order_relaxed) != HandleCodec::generation(value))
+            return nullptr;
+        return object;
+    }
     // A new handle for object, or null (with -3) when the table is full.
     void* insert(void* object) noexcept;
     // Unregisters a live handle and returns its object; null for any other value.
@@ -64,16 +92,6 @@ public:
     void returnToPool(std::vector<std::uint32_t>& from, std::size_t count) noexcept;
 
 private:
-    struct Slot {
-        std::atomic<std::uint32_t> generation{0};
-        std::atomic<void*> object{nullptr};
-    };
-    static constexpr unsigned kChunkBits = 12;
-    static constexpr std::size_t kChunkSlots = std::size_t(1) << kChunkBits;
-    static constexpr std::size_t kChunks = std::size_t(1) << (HandleCodec::kSlotBits - kChunkBits);
-
-    Slot* slotOf(std::uintptr_t value) const noexcept;
-
     const HandleFamily family_;
     std::atomic<std::int32_t> live_{0};
     std::atomic<bool> nullCounted_{false};
@@ -84,8 +102,23 @@ private:
     std::uint32_t nextUnused_ = 0;     // slots from here on were never used
 };
 
-HandleRegistry& decimalRegistry();
-HandleRegistry& binaryRegistry();
-HandleRegistry& converterRegistry();
+// The registries are constant-initialised, so a lookup meets no guard of a
+// function-local static and no pointer to follow, and never destroyed: a
+// handle used from another static object's destructor at exit, or a thread
+// ending late, still meets a valid one.
+namespace detail {
+union RegistryHolder {
+    HandleRegistry registry;
+    constexpr explicit RegistryHolder(HandleFamily family) : registry(family) {}
+    ~RegistryHolder() {}
+};
+extern RegistryHolder decimalRegistryHolder;
+extern RegistryHolder binaryRegistryHolder;
+extern RegistryHolder converterRegistryHolder;
+}  // namespace detail
+
+inline HandleRegistry& decimalRegistry() { return detail::decimalRegistryHolder.registry; }
+inline HandleRegistry& binaryRegistry() { return detail::binaryRegistryHolder.registry; }
+inline HandleRegistry& converterRegistry() { return detail::converterRegistryHolder.registry; }
 
 }  // namespace tw

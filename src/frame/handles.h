@@ -23,9 +23,9 @@ template <class Handle> struct Family;
 template <class Handle, class ObjectType, HandleRegistry& (*Registry)()>
 struct RegisteredFamily {
     using Object = ObjectType;
-    static HandleRegistry& registry() { return Registry(); }
+    [[gnu::always_inline]] static HandleRegistry& registry() { return Registry(); }
     // The object behind a live handle, else null; records nothing.
-    static Object* find(Handle h) { return static_cast<Object*>(registry().find(h)); }
+    [[gnu::always_inline]] static Object* find(Handle h) { return static_cast<Object*>(registry().find(h)); }
 };
 
 template <class Handle, class NumberType, HandleRegistry& (*Registry)()>
@@ -36,9 +36,10 @@ struct NumberFamily : RegisteredFamily<Handle, NumberType, Registry> {
 template <> struct Family<HI_handle> : NumberFamily<HI_handle, DecimalNumber, decimalRegistry> {};
 template <> struct Family<HX_handle> : NumberFamily<HX_handle, BinaryNumber, binaryRegistry> {};
 
-// The object behind a live handle, or null after recording -4.
+// The object behind a live handle, or null after recording -4.  Always
+// inline: every call of the C interface makes one for each handle.
 template <class Handle>
-typename Family<Handle>::Object* checkedObject(Handle h) {
+[[gnu::always_inline]] inline typename Family<Handle>::Object* checkedObject(Handle h) {
     auto* object = Family<Handle>::find(h);
     if (object == nullptr) setLastError(kErrHandle);
     return object;

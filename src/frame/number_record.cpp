@@ -48,10 +48,9 @@ NumberRecord::NumberRecord(const NumberRecord& other)
 
 NumberRecord& NumberRecord::operator=(const NumberRecord& other) {
     if (this == &other) return *this;
-    dropTextBuffers(*this);
-    resizeStorage(*this, other.topIndex + 1, true);
-    if (allocated() < other.topIndex + 1u) return *this;  // storage exhausted: -3 recorded, zero
-    std::memcpy(digits, other.digits, (other.topIndex + 1) * sizeof(Limb));
+    Limb* out = prepareOverwrite(*this, other.topIndex + 1);
+    if (out == nullptr) return *this;  // storage exhausted: -3 recorded, zero
+    std::memcpy(out, other.digits, (other.topIndex + 1) * sizeof(Limb));
     lowIndex = other.lowIndex;
     topIndex = other.topIndex;
     return *this;
@@ -84,23 +83,14 @@ void resizeStorage(NumberRecord& r, std::uint32_t limbCount, bool discard) {
     pointAtStorage(r);
 }
 
-void dropTextBuffers(NumberRecord& r) {
+void freeTextBuffers(NumberRecord& r) {
     r.textBufferA.reset();
     r.textBufferW.reset();
 }
 
-void normalizeIndices(NumberRecord& r, std::uint32_t limbCount) {
-    std::uint32_t top = limbCount ? limbCount - 1 : 0;
-    while (top > 0 && r.digits[top] == 0) --top;
-    if (r.digits[top] == 0) {
-        r.topIndex = r.lowIndex = 0;
-        resizeStorage(r, 3, true);
-        return;
-    }
-    std::uint32_t low = 0;
-    while (r.digits[low] == 0) ++low;
-    r.topIndex = top;
-    r.lowIndex = low;
+Limb* prepareOverwriteSlow(NumberRecord& r, std::uint32_t limbCount) {
+    resizeStorage(r, limbCount, true);
+    return r.allocated() >= limbCount ? r.digits : nullptr;
 }
 
 void setRecordZero(NumberRecord& r) {

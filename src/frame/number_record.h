@@ -46,13 +46,47 @@ struct NumberRecord {
 // limbs cannot be had, records -3 and leaves the record zero.
 void resizeStorage(NumberRecord& record, std::uint32_t limbCount, bool discard);
 
-void dropTextBuffers(NumberRecord& record);
-
-// Recomputes topIndex and lowIndex after limbs 0 .. limbCount-1 were written.
-void normalizeIndices(NumberRecord& record, std::uint32_t limbCount);
+void freeTextBuffers(NumberRecord& record);
+// Inline, as almost every operation calls it on a record that holds no text.
+[[gnu::always_inline]] inline void dropTextBuffers(NumberRecord& record) {
+    if (record.textBufferA || record.textBufferW) [[unlikely]]
+        freeTextBuffers(record);
+}
 
 // Makes the record zero (keeps its storage, drops its text).
 void setRecordZero(NumberRecord& record);
+
+// Recomputes topIndex and lowIndex after limbs 0 .. limbCount-1 were written.
+[[gnu::always_inline]] inline void normalizeIndices(NumberRecord& record, std::uint32_t limbCount) {
+    std::uint32_t top = limbCount ? limbCount - 1 : 0;
+    while (top > 0 && record.digits[top] == 0) --top;
+    if (record.digits[top] == 0) {
+        record.topIndex = record.lowIndex = 0;
+        resizeStorage(record, 3, true);
+        return;
+    }
+    std::uint32_t low = 0;
+    while (record.digits[low] == 0) ++low;
+    record.topIndex = top;
+    record.lowIndex = low;
+}
+
+// Storage for a value about to be written whole into limbs 0 .. limbCount-1:
+// at least max(limbCount, 3) limbs, those from limbCount up zero, those below
+// left for the caller to overwrite; the text is dropped.  A small result
+// lands in the capacity the record already has, with no allocation and no
+// zeroing of limbs that are zero already.  Null, with -3 recorded and the
+// record zero, when the limbs cannot be had.
+Limb* prepareOverwriteSlow(NumberRecord& record, std::uint32_t limbCount);
+[[gnu::always_inline]] inline Limb* prepareOverwrite(NumberRecord& record, std::uint32_t limbCount) {
+    dropTextBuffers(record);
+    if (record.digits != record.limbs.data() || limbCount > record.allocated())
+        return prepareOverwriteSlow(record, limbCount);
+    // Every limb above topIndex is zero already.
+    const std::uint32_t used = record.topIndex + 1;
+    for (std::uint32_t i = limbCount; i < used; ++i) record.digits[i] = 0;
+    return record.digits;
+}
 
 // Test seam: requests for more limbs than this fail as if memory were exhausted.
 void setLimbAllocationCeilingForTesting(std::size_t limbs);

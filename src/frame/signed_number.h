@@ -19,14 +19,13 @@ struct SignedNumber {
     using Radix = R;
 
     std::int32_t sign = 0;                  // -1, 0 or +1; 0 exactly for zero
-    std::unique_ptr<NumberRecord> record;
+    NumberRecord record;                    // the magnitude, held in place: no allocation of its own
 
-    SignedNumber() : record(std::make_unique<NumberRecord>()) { resizeStorage(*record, 3, false); }
-    SignedNumber(const SignedNumber& other)
-        : sign(other.sign), record(std::make_unique<NumberRecord>(*other.record)) {}
+    SignedNumber() { resizeStorage(record, 3, false); }
+    SignedNumber(const SignedNumber& other) : sign(other.sign), record(other.record) {}
     SignedNumber& operator=(const SignedNumber& other) {
         if (this != &other) {
-            *record = *other.record;
+            record = other.record;
             sign = other.sign;
             normalizeSign();
         }
@@ -35,24 +34,24 @@ struct SignedNumber {
     SignedNumber(SignedNumber&&) noexcept = default;
     SignedNumber& operator=(SignedNumber&&) noexcept = default;
 
-    NumberRecord& rec() { return *record; }
-    const NumberRecord& rec() const { return *record; }
-    bool isZero() const { return record->isZero(); }
-    const Limb* limbs() const { return record->digits; }
-    Limb limb(std::uint32_t i) const { return record->digits[i]; }
+    NumberRecord& rec() { return record; }
+    const NumberRecord& rec() const { return record; }
+    bool isZero() const { return record.isZero(); }
+    const Limb* limbs() const { return record.digits; }
+    Limb limb(std::uint32_t i) const { return record.digits[i]; }
 
     // Sign 0 whenever the magnitude is zero; every operation that may yield zero calls it.
     void normalizeSign() {
-        if (record->isZero()) sign = 0;
+        if (record.isZero()) sign = 0;
     }
     void setZero() {
-        setRecordZero(*record);
+        setRecordZero(record);
         sign = 0;
     }
     void negate() { sign = -sign; }
     void swap(SignedNumber& other) noexcept {
         std::swap(sign, other.sign);
-        std::swap(record, other.record);
+        std::swap(record, other.record);  // moves keep each record's limbs where they are
     }
 };
 

@@ -219,10 +219,10 @@ TYPED_TEST(Handles, CopySwapSignsAndWordComparisons) {
     EXPECT_EQ(F::get_s64(b), -123456789012345);
     EXPECT_EQ(F::set_own(a, a), a.h());
     F::set_s64(b, 5);
-    const auto* recordA = &a.object().rec();
+    const auto* limbsA = a.object().limbs();
     EXPECT_EQ(F::swap(a, b), a.h());
     EXPECT_EQ(F::get_s64(a), 5);
-    EXPECT_EQ(&b.object().rec(), recordA);  // records exchanged, not copied
+    EXPECT_EQ(b.object().limbs(), limbsA);  // limbs exchanged, not copied
     EXPECT_EQ(F::swap(a, a), a.h());
     EXPECT_EQ(F::get_s64(a), 5);
     EXPECT_TRUE(F::isOdd(x) && !F::isEven(x) && !F::isAbsOne(x));

@@ -7,6 +7,7 @@
 #include "arith/kernels/divide_one_quotient_limb.h"
 #include "arith/kernels/divide_by_limb.h"
 #include "arith/kernels/reciprocal.h"
+#include "arith/tuning.h"
 #include "frame/error_state.h"
 #include "frame/span_contracts.h"
 
@@ -58,6 +59,15 @@ void divideMagnitude(LimbScratch& scratch, Limb* q, Limb* r, const Limb* a, std:
         return;
     }
 
+    if (n <= kSchoolbookDivideMaxQuotientLimbs) {
+        LimbScratch::Frame frame(scratch);
+        Limb* rem = frame.take(al);
+        std::copy(a, a + al, rem);
+        divideSchoolbookInPlace<R>(q, rem, al, b, bn);
+        if (r) std::copy(rem, rem + bn, r);
+        return;
+    }
+
     // A long quotient.  Without a given reciprocal, one of the quotient's
     // precision serves a dividend of up to about 2 bn limbs; longer dividends
     // go in blocks of bn (at least kMinBlockQuotientLimbs) quotient limbs.
@@ -83,6 +93,15 @@ void divide(Limb* q, Limb* r, const Limb* a, std::size_t an, const Limb* b, std:
     assert(spansDisjoint(q, an - bn + 1, a, an) && spansDisjoint(q, an - bn + 1, b, bn));
     assert(r == nullptr || (spansDisjoint(r, bn, a, an) && spansDisjoint(r, bn, b, bn) && spansDisjoint(r, bn, q, an - bn + 1)));
     if (terminateRequested()) return;
+    if (bn >= 2 && an - bn < kSchoolbookDivideMaxQuotientLimbs && an <= kSchoolbookDivideStackLimbs) {
+        // A short quotient of a short dividend: long division in a copy on
+        // the stack, with no scratch to set up.
+        Limb rem[kSchoolbookDivideStackLimbs];
+        std::copy(a, a + an, rem);
+        divideSchoolbookInPlace<R>(q, rem, an, b, bn);
+        if (r) std::copy(rem, rem + bn, r);
+        return;
+    }
     LimbScratch scratch(divideScratchLimbs(an, bn));
     divideMagnitude<R>(scratch, q, r, a, an, b, bn, nullptr, 0);
 }

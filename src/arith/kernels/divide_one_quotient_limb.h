@@ -14,25 +14,27 @@
 namespace tw::arith {
 
 // r[0..n) := (a[0..n) - b[0..n) * m) mod radix^n; returns what must still be
-// taken from the limb above (the product's carry plus the borrow, below 2^33).
-// m < 2^32.  r may equal a or b.  Cost: n limb products.
+// taken from the limb above (the product's carry plus the borrow, at most
+// radix).  m < radix.  r may equal a or b.  Cost: n limb products.
+//
+// The products and their splits into limbs do not wait on the carry: only a
+// signed running carry k - hi passes from limb to limb, with the borrow
+// k in {-2, -1, 0} read from two compares (a[i] - lo + carry lies in
+// [-2 radix, radix), since lo < radix and hi < m < radix).
 template <class R>
 std::uint64_t subMulByWord(Limb* r, const Limb* a, const Limb* b, std::size_t n, std::uint32_t m) {
-    std::uint64_t carry = 0;
+    constexpr std::int64_t base = R::base;
+    std::int64_t carry = 0;  // in [-(radix + 1), 0]
     for (std::size_t i = 0; i < n; ++i) {
-        // (radix - 1) * (2^32 - 1) + carry stays below 2^62.
-        const std::uint64_t t = std::uint64_t(b[i]) * m + carry;
-        const Limb lo = Limb(t % R::base);
-        carry = t / R::base;
-        const Limb ai = a[i];
-        if (ai >= lo) {
-            r[i] = ai - lo;
-        } else {
-            r[i] = ai + (R::base - lo);
-            ++carry;
-        }
+        const std::uint64_t t = std::uint64_t(b[i]) * m;
+        const std::int64_t hi = std::int64_t(t / R::base);
+        const std::int64_t lo = std::int64_t(t) - hi * base;
+        const std::int64_t v = std::int64_t(a[i]) - lo + carry;
+        const std::int64_t k = -std::int64_t(v < 0) - std::int64_t(v < -base);
+        r[i] = Limb(v - k * base);
+        carry = k - hi;
     }
-    return carry;
+    return std::uint64_t(-carry);
 }
 
 // Value of limbs[0..n) for n <= 4: below radix^4 <= 10^36 < 2^128.
@@ -41,6 +43,24 @@ u128 limbsToU128(const Limb* limbs, std::size_t n) {
     u128 v = 0;
     for (std::size_t i = n; i-- > 0;) v = v * R::base + limbs[i];
     return v;
+}
+
+// floor(num / den) for den > 0 when the quotient is below 2^40: a
+// floating-point estimate, off by at most one, made exact with two 128-bit
+// products, where a 128-bit division would be a library call of many cycles.
+inline std::uint64_t smallQuotient(u128 num, u128 den) {
+    const auto toDouble = [](u128 v) { return double(std::uint64_t(v >> 64)) * 0x1p64 + double(std::uint64_t(v)); };
+    std::uint64_t q = std::uint64_t(toDouble(num) / toDouble(den));
+    u128 product = u128(q) * den;
+    while (product > num) {
+        --q;
+        product -= den;
+    }
+    while (num - product >= den) {
+        ++q;
+        product += den;
+    }
+    return q;
 }
 
 // Quotient of one limb.  A = a[0..an) with an == bn or an == bn + 1 (the top
@@ -62,7 +82,8 @@ Limb divideOneQuotientLimb(Limb* r, const Limb* a, std::size_t an, const Limb* b
     const std::size_t w = std::min<std::size_t>(bn, 3);
     const u128 bTop = limbsToU128<R>(b + bn - w, w);
     const u128 aTop = limbsToU128<R>(a + bn - w, an - bn + w);
-    u128 qEst = aTop / bTop;
+    // aTop < bTop * (radix + 1), so the quotient is at most radix.
+    std::uint64_t qEst = smallQuotient(aTop, bTop);
     // The true digit is below the radix, so an estimate of radix is one too big.
     if (qEst >= R::base) qEst = R::base - 1;
     Limb qd = Limb(qEst);
@@ -74,6 +95,18 @@ Limb divideOneQuotientLimb(Limb* r, const Limb* a, std::size_t an, const Limb* b
         addSameLength<R>(r, r, b, bn);
     }
     return qd;
+}
+
+// q[0..an-bn+1) := A div B by long division in place, one quotient limb at
+// a time, leaving A mod B in a[0..bn) (the limbs above are left stale).
+// bn >= 2, b[bn-1] != 0, an >= bn; q overlaps neither.  Each step divides a
+// window of the running remainder (below B) and the next limb of A, so its
+// quotient is below the radix.  Cost: (an - bn + 1) * bn limb products.
+template <class R>
+void divideSchoolbookInPlace(Limb* q, Limb* a, std::size_t an, const Limb* b, std::size_t bn) {
+    std::size_t i = an - bn;
+    q[i] = divideOneQuotientLimb<R>(a + i, a + i, bn, b, bn);
+    while (i-- > 0) q[i] = divideOneQuotientLimb<R>(a + i, a + i, bn + 1, b, bn);
 }
 
 // q[0..an-bn+1) := A div B, r[0..bn) := A mod B by long division one quotient

@@ -58,6 +58,11 @@ void addDoubledDiagonal(Limb* out, const Limb* a, std::size_t n) {
 // out[0 .. 2n) := a[0..n)^2, n >= 1, out not overlapping a.
 template <class R>
 void sqrBasecase(Limb* out, const Limb* a, std::size_t n) {
+    if (!R::isBinary && n <= kSqrAsProductMaxDecimal) {
+        // Short: the product's lanes beat the triangle and its serial pass.
+        mulBasecase<R>(out, a, n, a, n);
+        return;
+    }
     const KernelPath path = basecasePathFor<R>(n, kWideLanesSqrMin);
     if (path == KernelPath::Avx512)
         sqrTriangleWideLanes<R>(out, a, n);

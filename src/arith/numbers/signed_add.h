@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <utility>
 
 #include "arith/numbers/magnitude.h"
 #include "frame/machine_int.h"
@@ -91,9 +92,57 @@ void offsetByWord(SignedNumber<R>& x, std::uint32_t n, std::int32_t direction) {
     x.normalizeSign();
 }
 
+// r := a + bSign * |b| for r distinct from a and b (a and b may be one
+// object): the sum or difference is written straight into r's storage, with
+// no copy of a first.  As in place, a raised terminate flag makes a
+// difference zero.
+template <class R>
+void addSignedInto(SignedNumber<R>& r, const SignedNumber<R>& a, const SignedNumber<R>& b, std::int32_t bSign) {
+    if (bSign == 0) {
+        r = a;
+        return;
+    }
+    if (a.sign == 0) {
+        r = b;
+        r.sign = bSign;
+        return;
+    }
+    const NumberRecord* x = &a.rec();
+    const NumberRecord* y = &b.rec();
+    NumberRecord& out = r.rec();
+    if (a.sign == bSign) {
+        if (x->topIndex < y->topIndex) std::swap(x, y);
+        const std::uint32_t n = x->topIndex + 1;
+        Limb* sum = prepareOverwrite(out, n + 1);
+        if (sum == nullptr) {
+            r.sign = 0;
+            return;
+        }
+        sum[n] = addSpans<R>(sum, x->digits, n, y->digits, y->topIndex + 1);
+        normalizeIndices(out, n + 1);
+        r.sign = a.sign;
+        return;
+    }
+    const int c = compareMagnitude(*x, *y);
+    if (c == 0 || terminateRequested()) {
+        r.setZero();
+        return;
+    }
+    if (c < 0) std::swap(x, y);
+    const std::uint32_t n = x->topIndex + 1;
+    Limb* difference = prepareOverwrite(out, n);
+    if (difference == nullptr) {
+        r.sign = 0;
+        return;
+    }
+    subSpans<R>(difference, x->digits, n, y->digits, y->topIndex + 1);
+    normalizeIndices(out, n);
+    r.sign = c > 0 ? a.sign : bSign;
+}
+
 // r := a + b and r := a - b for any aliasing of r, a and b: equal operands
 // double or give zero, a result equal to an operand works in place, and a
-// distinct result starts as a copy of a.
+// distinct result takes the sum in its own storage.
 template <class R>
 void add(SignedNumber<R>& r, const SignedNumber<R>& a, const SignedNumber<R>& b) {
     if (&a == &b) {
@@ -101,9 +150,10 @@ void add(SignedNumber<R>& r, const SignedNumber<R>& a, const SignedNumber<R>& b)
         multiplyBySigned(r, 2);
     } else if (&r == &b) {
         addInPlace(r, a);
-    } else {
-        if (&r != &a) r = a;
+    } else if (&r == &a) {
         addInPlace(r, b);
+    } else {
+        addSignedInto(r, a, b, b.sign);
     }
 }
 template <class R>
@@ -113,9 +163,10 @@ void subtract(SignedNumber<R>& r, const SignedNumber<R>& a, const SignedNumber<R
     } else if (&r == &b) {
         r.negate();
         addInPlace(r, a);
-    } else {
-        if (&r != &a) r = a;
+    } else if (&r == &a) {
         subtractInPlace(r, b);
+    } else {
+        addSignedInto(r, a, b, -b.sign);
     }
 }
 

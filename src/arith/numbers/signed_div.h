@@ -31,24 +31,28 @@ void divideMagnitudes(NumberRecord& q, NumberRecord* r, const NumberRecord& a, c
         else setMagnitudeWord<R>(q, 1);
         return;
     }
+    // Both are written straight into the storage of q and r (their capacity
+    // reused), which are distinct from A and B.
     const std::size_t an = a.topIndex + 1, bn = b.topIndex + 1;
-    NumberRecord quotient, remainder;
-    if (!prepareResult(quotient, an - bn + 1) || (r && !prepareResult(remainder, bn))) {
+    Limb* quotient = prepareOverwrite(q, std::uint32_t(an - bn + 1));
+    Limb* remainder = r && quotient ? prepareOverwrite(*r, std::uint32_t(bn)) : nullptr;
+    if (quotient == nullptr || (r && remainder == nullptr)) {
         setRecordZero(q);
         return;
     }
     if (bn == 1) {
-        const Limb rest = divideByLimb<R>(quotient.digits, a.digits, an, b.digits[0]);
-        if (r) remainder.digits[0] = rest;
+        const Limb rest = divideByLimb<R>(quotient, a.digits, an, b.digits[0]);
+        if (r) remainder[0] = rest;
     } else {
-        divide<R>(quotient.digits, r ? remainder.digits : nullptr, a.digits, an, b.digits, bn);
+        divide<R>(quotient, remainder, a.digits, an, b.digits, bn);
     }
     if (terminateRequested()) {
         setRecordZero(q);
+        if (r) setRecordZero(*r);
         return;
     }
-    installResult(q, std::move(quotient), an - bn + 1);
-    if (r) installResult(*r, std::move(remainder), bn);
+    normalizeIndices(q, std::uint32_t(an - bn + 1));
+    if (r) normalizeIndices(*r, std::uint32_t(bn));
 }
 
 // q := a / b truncated, r := a - q*b with a's sign (r may be null).  q, r, a, b
@@ -104,6 +108,13 @@ std::optional<std::int32_t> divideByInt32(SignedNumber<R>& q, const SignedNumber
 // library's long-standing rule for that call.
 template <class R>
 void divideWithRemainder(SignedNumber<R>& q, SignedNumber<R>* r, const SignedNumber<R>& a, const SignedNumber<R>& b) {
+    if (&q != &a && &q != &b && &q != r && r != &a && r != &b) {
+        // Nothing aliased: both results straight into their own storage.  A
+        // zero divisor leaves a zero quotient, as the path below does.
+        if (b.isZero()) q.setZero();
+        divideSigned(q, r, a, b);
+        return;
+    }
     SignedNumber<R> fresh;
     if (r != &a && r != &b) divideSigned(fresh, r, a, b);
     q.swap(fresh);
