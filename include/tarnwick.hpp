@@ -177,9 +177,9 @@ inline std::pair<std::string, int> literalText(const char* literal) {
     return {text, 10};
 }
 
-// A format specification as std::format reads one for integers:
+// The options of a format field as std::format reads them for integers:
 // [[fill]align][sign][#][0][width][type], type one of d x X o b B.
-struct FormatSpec {
+struct FormatOptions {
     char fill = ' ';
     char align = 0;  // '<', '>', '^', or '=' for padding between the prefix and the digits
     char sign = '-';  // '+' and ' ' mark non-negative values too
@@ -215,11 +215,11 @@ struct FormatSpec {
     }
 };
 
-// x's text by a specification. iostreams write no prefix for zero; std::format
+// x's text by a format field's options. iostreams write no prefix for zero; std::format
 // writes one except for octal.
 template <class Number>
-std::string formatted(const Number& x, const FormatSpec& spec, bool prefixForZero) {
-    const char t = spec.type;
+std::string formatted(const Number& x, const FormatOptions& opts, bool prefixForZero) {
+    const char t = opts.type;
     const std::uint32_t radix = t == 'x' || t == 'X' ? 16 : t == 'o' ? 8 : t == 'b' || t == 'B' ? 2 : 10;
     const bool upper = t == 'X' || t == 'B';
     std::string digits = x.to_string(radix, upper ? 0 : TEXT_LOWER_CASE);
@@ -227,18 +227,18 @@ std::string formatted(const Number& x, const FormatSpec& spec, bool prefixForZer
     if (digits[0] == '-') {
         head = "-";
         digits.erase(0, 1);
-    } else if (spec.sign != '-') {
-        head = spec.sign;
+    } else if (opts.sign != '-') {
+        head = opts.sign;
     }
     if (radix == 16 && digits.compare(0, 2, "0x") == 0) digits.erase(0, 2);
     // The octal 0 counts as a digit, so internal padding goes before it.
-    if (spec.alternate && radix == 8 && digits != "0") digits.insert(0, "0");
-    if (spec.alternate && (radix == 16 || radix == 2) && (digits != "0" || prefixForZero))
+    if (opts.alternate && radix == 8 && digits != "0") digits.insert(0, "0");
+    if (opts.alternate && (radix == 16 || radix == 2) && (digits != "0" || prefixForZero))
         head += radix == 16 ? (upper ? "0X" : "0x") : (upper ? "0B" : "0b");
     const std::size_t length = head.size() + digits.size();
-    const std::size_t pad = spec.width > length ? spec.width - length : 0;
-    const auto fill = [&](std::size_t n) { return std::string(n, spec.fill); };
-    switch (spec.align) {
+    const std::size_t pad = opts.width > length ? opts.width - length : 0;
+    const auto fill = [&](std::size_t n) { return std::string(n, opts.fill); };
+    switch (opts.align) {
         case '<': return head + digits + fill(pad);
         case '^': return fill(pad / 2) + head + digits + fill(pad - pad / 2);
         case '=': return head + fill(pad) + digits;
@@ -623,14 +623,14 @@ public:
     friend std::ostream& operator<<(std::ostream& out, const BasicInteger& x) {
         const std::ios::fmtflags flags = out.flags();
         const std::ios::fmtflags base = flags & std::ios::basefield, adjust = flags & std::ios::adjustfield;
-        detail::FormatSpec spec;
-        spec.type = base == std::ios::oct ? 'o' : base != std::ios::hex ? 'd' : (flags & std::ios::uppercase) ? 'X' : 'x';
-        spec.sign = (flags & std::ios::showpos) ? '+' : '-';
-        spec.alternate = (flags & std::ios::showbase) != 0;
-        spec.fill = out.fill();
-        spec.width = out.width() > 0 ? static_cast<std::size_t>(out.width()) : 0;
-        spec.align = adjust == std::ios::left ? '<' : adjust == std::ios::internal ? '=' : '>';
-        return out << detail::formatted(x, spec, false);  // which resets the width
+        detail::FormatOptions opts;
+        opts.type = base == std::ios::oct ? 'o' : base != std::ios::hex ? 'd' : (flags & std::ios::uppercase) ? 'X' : 'x';
+        opts.sign = (flags & std::ios::showpos) ? '+' : '-';
+        opts.alternate = (flags & std::ios::showbase) != 0;
+        opts.fill = out.fill();
+        opts.width = out.width() > 0 ? static_cast<std::size_t>(out.width()) : 0;
+        opts.align = adjust == std::ios::left ? '<' : adjust == std::ios::internal ? '=' : '>';
+        return out << detail::formatted(x, opts, false);  // which resets the width
     }
     // As iostreams read built-in integers: white space skipped (with skipws),
     // an optional sign, digits of the basefield (dec, hex with an optional
@@ -850,21 +850,21 @@ struct hash<tarnwick::BasicInteger<Traits>> {
 };
 
 #if defined(__cpp_lib_format)
-// std::format("{:#x}", x) and the rest of the integer specification:
+// std::format("{:#x}", x) and the rest of the integer format options:
 // [[fill]align][sign][#][0][width][type], type one of d x X o b B.
 template <class Traits>
 struct formatter<tarnwick::BasicInteger<Traits>, char> {
-    tarnwick::detail::FormatSpec spec;
+    tarnwick::detail::FormatOptions opts;
 
     constexpr format_parse_context::iterator parse(format_parse_context& context) {
         bool ok = false;
-        const auto end = spec.parse(context.begin(), context.end(), ok);
-        if (!ok) throw format_error("invalid format specification for an integer");
+        const auto end = opts.parse(context.begin(), context.end(), ok);
+        if (!ok) throw format_error("invalid format for an integer");
         return end;
     }
     template <class Context>
     typename Context::iterator format(const tarnwick::BasicInteger<Traits>& x, Context& context) const {
-        const string text = tarnwick::detail::formatted(x, spec, true);
+        const string text = tarnwick::detail::formatted(x, opts, true);
         return copy(text.begin(), text.end(), context.out());
     }
 };

@@ -258,15 +258,15 @@ void formatting() {
                              {"#010x", "255", "0x000000ff"}, {"<5", "42", "42   "},  {"#o", "0", "0"},
                              {"#x", "0", "0x0"},        {"#b", "5", "0b101"},          {"08", "-42", "-0000042"}};
     for (const auto& r : rows) {
-        tarnwick::detail::FormatSpec spec;
+        tarnwick::detail::FormatOptions opts;
         bool ok = false;
         const char* end = r[0] + std::strlen(r[0]);
-        CHECK(spec.parse(r[0], end, ok) == end && ok && tarnwick::detail::formatted(T(r[1]), spec, true) == r[2]);
+        CHECK(opts.parse(r[0], end, ok) == end && ok && tarnwick::detail::formatted(T(r[1]), opts, true) == r[2]);
     }
     for (const char* bad : {"q", "5.2", "x5"}) {
-        tarnwick::detail::FormatSpec spec;
+        tarnwick::detail::FormatOptions opts;
         bool ok = true;
-        spec.parse(bad, bad + std::strlen(bad), ok);
+        opts.parse(bad, bad + std::strlen(bad), ok);
         CHECK(!ok);
     }
 #ifdef __cpp_lib_format
