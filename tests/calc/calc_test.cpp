@@ -250,11 +250,9 @@ TEST(TwcalcProgram, CtrlCOnATerminalKeepsTheSession) {
     ASSERT_TRUE(t.shows("6\r\n> "));
     t.type("12345");
     ASSERT_TRUE(t.shows("12345"));
-    // Ctrl-C clears the line: a fresh prompt before the next keys (again
-    // after a second: the line editor can take the first one as a retried read).
-    bool cleared = false;
-    for (int tries = 0; tries < 60 && !cleared; ++tries) t.type("\x03"), cleared = t.shows("> ", 1000);
-    ASSERT_TRUE(cleared);
+    // One Ctrl-C clears the line: a fresh prompt before the next keys.
+    t.type("\x03");
+    ASSERT_TRUE(t.shows("> "));
     t.type("x + 1\n");
     ASSERT_TRUE(t.shows("7\r\n> "));
     // A hundred million digits: Ctrl-C (again, should one come before the
