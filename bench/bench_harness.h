@@ -44,4 +44,7 @@ void printRow(const Row& row);
 std::string formatSeconds(double seconds);
 void printHeader();
 
+// Rows of their own files, called from the program's main.
+void runCppLoopCases(const std::string& only, double budget);
+
 }  // namespace twbench

@@ -503,6 +503,7 @@ int main(int argc, char** argv) {
         printRow({c.name, std::to_string(c.maxDigits), c.run(c.maxDigits, options.budget)});
     }
     runHandleCases(options);
+    runCppLoopCases(options.only, options.budget);
     for (const Case& c : kCases) {
         if (!options.only.empty() && std::string(c.name).find(options.only) == std::string::npos) continue;
         for (std::size_t digits = 1000; digits <= std::min(c.maxDigits, options.maxDigits); digits *= 10) {

@@ -47,6 +47,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -115,6 +116,23 @@ using DomainError = ErrorOf<std::domain_error>;    // a double that is not finit
 namespace detail {
 
 // Throws the pending error, if any, after clearing it.
+// Built-in integer operands (bool and the character types too, as they
+// promote), and their magnitudes as unsigned long long.
+template <class T>
+using IfBuiltin = std::enable_if_t<std::is_integral<T>::value, int>;
+template <class T>
+constexpr unsigned long long magnitudeOf(T v) {
+    if constexpr (std::is_signed<T>::value)
+        if (v < 0) return 0ull - static_cast<unsigned long long>(v);
+    return static_cast<unsigned long long>(v);
+}
+template <class T>
+constexpr bool isNegative(T v) {
+    if constexpr (std::is_signed<T>::value) return v < 0;
+    return false;
+}
+constexpr unsigned long long kWordMax = 0xFFFFFFFFull;
+
 inline void raiseIfFailed() {
     const std::int32_t code = TW_getLastError();
     if (code != 0 || TW_isTerminated() != 0) {
@@ -267,6 +285,8 @@ std::string formatted(const Number& x, const FormatOptions& opts, bool prefixFor
         static constexpr auto abs = P##_abs;                                                  \
         static constexpr auto swap = P##_swap;                                                \
         static constexpr auto compare = P##_compare_##S;                                      \
+        static constexpr auto compare_s32 = P##_compare_s32;                                  \
+        static constexpr auto compareAbs_u32 = P##_compareAbs_u32;                            \
         static constexpr auto getDigits = P##_getDigits;                                      \
         static constexpr auto getBits = P##_getBits;                                          \
         static constexpr auto add = P##_add;                                                  \
@@ -274,6 +294,7 @@ std::string formatted(const Number& x, const FormatOptions& opts, bool prefixFor
         static constexpr auto add_u32 = P##_add_u32;                                          \
         static constexpr auto sub_u32 = P##_sub_u32;                                          \
         static constexpr auto mul = P##_mul;                                                  \
+        static constexpr auto mul_u32 = P##_mul_u32;                                          \
         static constexpr auto divRem = P##_divRem;                                            \
         static constexpr auto mod = P##_mod;                                                  \
         static constexpr auto pow = P##_pow;                                                  \
@@ -492,6 +513,35 @@ public:
         return a;
     }
 
+    // Built-in operands of up to 32 bits go through the word functions, with
+    // no number made for them; wider ones that do not fit a word make one.
+    template <class T, detail::IfBuiltin<T> = 0>
+    BasicInteger& operator+=(T v) { return offsetBy(v, false); }
+    template <class T, detail::IfBuiltin<T> = 0>
+    BasicInteger& operator-=(T v) { return offsetBy(v, true); }
+    template <class T, detail::IfBuiltin<T> = 0>
+    BasicInteger& operator*=(T v) {
+        const unsigned long long m = detail::magnitudeOf(v);
+        if (m > detail::kWordMax) return *this *= BasicInteger(v);
+        run(Traits::mul_u32(h_, h_, static_cast<std::uint32_t>(m)));
+        return detail::isNegative(v) ? run(Traits::negate(h_)) : *this;
+    }
+    template <class T, detail::IfBuiltin<T> = 0>
+    friend BasicInteger operator+(BasicInteger a, T v) { return std::move(a += v); }
+    template <class T, detail::IfBuiltin<T> = 0>
+    friend BasicInteger operator+(T v, BasicInteger a) { return std::move(a += v); }
+    template <class T, detail::IfBuiltin<T> = 0>
+    friend BasicInteger operator-(BasicInteger a, T v) { return std::move(a -= v); }
+    template <class T, detail::IfBuiltin<T> = 0>
+    friend BasicInteger operator-(T v, BasicInteger a) {
+        a.run(Traits::negate(a.h_));
+        return std::move(a += v);
+    }
+    template <class T, detail::IfBuiltin<T> = 0>
+    friend BasicInteger operator*(BasicInteger a, T v) { return std::move(a *= v); }
+    template <class T, detail::IfBuiltin<T> = 0>
+    friend BasicInteger operator*(T v, BasicInteger a) { return std::move(a *= v); }
+
     // Quotient and remainder in one division.
     friend std::pair<BasicInteger, BasicInteger> divmod(const BasicInteger& a, const BasicInteger& b) {
         BasicInteger q, r;
@@ -606,9 +656,33 @@ public:
         return detail::checked(Traits::compare(a.h_, b.h_));
     }
     friend bool operator==(const BasicInteger& a, const BasicInteger& b) { return compare(a, b) == 0; }
+    // With a built-in integer: the word comparison when it fits 32 signed bits.
+    template <class T, detail::IfBuiltin<T> = 0>
+    friend int compare(const BasicInteger& a, T v) {
+        if (detail::isNegative(v) ? detail::magnitudeOf(v) <= 0x80000000ull : detail::magnitudeOf(v) <= 0x7FFFFFFFull)
+            return detail::checked(Traits::compare_s32(a.h_, static_cast<std::int32_t>(v)));
+        return compare(a, BasicInteger(v));
+    }
+    template <class T, detail::IfBuiltin<T> = 0>
+    friend bool operator==(const BasicInteger& a, T v) { return compare(a, v) == 0; }
 #ifdef TARNWICK_THREE_WAY
     friend std::strong_ordering operator<=>(const BasicInteger& a, const BasicInteger& b) { return compare(a, b) <=> 0; }
+    template <class T, detail::IfBuiltin<T> = 0>
+    friend std::strong_ordering operator<=>(const BasicInteger& a, T v) { return compare(a, v) <=> 0; }
 #else
+    template <class T, detail::IfBuiltin<T> = 0>
+    friend bool operator==(T v, const BasicInteger& a) { return compare(a, v) == 0; }
+#define TARNWICK_BUILTIN_ORDER(op)                                                                          \
+    template <class T, detail::IfBuiltin<T> = 0>                                                            \
+    friend bool operator op(const BasicInteger& a, T v) { return compare(a, v) op 0; }                     \
+    template <class T, detail::IfBuiltin<T> = 0>                                                            \
+    friend bool operator op(T v, const BasicInteger& a) { return 0 op compare(a, v); }
+    TARNWICK_BUILTIN_ORDER(!=)
+    TARNWICK_BUILTIN_ORDER(<)
+    TARNWICK_BUILTIN_ORDER(<=)
+    TARNWICK_BUILTIN_ORDER(>)
+    TARNWICK_BUILTIN_ORDER(>=)
+#undef TARNWICK_BUILTIN_ORDER
     friend bool operator!=(const BasicInteger& a, const BasicInteger& b) { return compare(a, b) != 0; }
     friend bool operator<(const BasicInteger& a, const BasicInteger& b) { return compare(a, b) < 0; }
     friend bool operator<=(const BasicInteger& a, const BasicInteger& b) { return compare(a, b) <= 0; }
@@ -708,6 +782,21 @@ private:
         BasicInteger r;
         r.run(f(r.h_, args...));
         return r;
+    }
+
+    // *this += v, or -= v.  The word functions keep the sign of a number
+    // whose magnitude is below a word of the other sign (-5 + 7 gives -2
+    // there), so such a sum is negated back to the true one.
+    template <class T>
+    BasicInteger& offsetBy(T v, bool subtract) {
+        const unsigned long long m = detail::magnitudeOf(v);
+        if (m > detail::kWordMax) return subtract ? *this -= BasicInteger(v) : *this += BasicInteger(v);
+        const auto word = static_cast<std::uint32_t>(m);
+        const bool down = detail::isNegative(v) != subtract;
+        const int s = Traits::getSign(h_);  // a bad handle fails in the word function below
+        const bool crosses = s != 0 && (s < 0) != down && Traits::compareAbs_u32(h_, word) < 0;
+        run(down ? Traits::sub_u32(h_, h_, word) : Traits::add_u32(h_, h_, word));
+        return crosses ? run(Traits::negate(h_)) : *this;
     }
 
     BasicInteger& run(Handle result) {

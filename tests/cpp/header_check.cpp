@@ -176,25 +176,39 @@ void conversions() {
 // x op v for v at both ends of a built-in integer type, both ways round.
 template <class T, class I>
 void withBuiltin() {
-    for (I v : {std::numeric_limits<I>::min(), std::numeric_limits<I>::max()}) {
-        const T x(-1000);
-        Mpz w, e;
-        mpz_set_str(w.v, std::to_string(+v).c_str(), 10);
-        const auto is = [&](const T& r) { return r.to_string() == e.str(); };
-        mpz_sub_ui(e.v, w.v, 1000);
-        CHECK(is(x + v) && is(v + x));
-        mpz_add_ui(e.v, w.v, 1000);
-        CHECK(is(v - x));
-        T z = x;
-        z *= v;
-        mpz_mul_si(e.v, w.v, -1000);
-        CHECK(is(x * v) && is(z));
-        mpz_tdiv_r_ui(e.v, w.v, 1000);
-        CHECK(is(v % x));
-        if (v != 0) CHECK((x / v).to_string() == (mpz_set_si(e.v, -1000), mpz_tdiv_q(e.v, e.v, w.v), e.str()));
-        const int c = mpz_cmp_si(w.v, -1000);
-        CHECK((x < v) == (c > 0) && (v == x) == (c == 0) && (v >= x) == (c >= 0) && (x != v) == (c != 0));
-    }
+    // Both ends of I, and small values on either side of |x| where the word
+    // functions' own sign rule would show.
+    std::vector<I> vs{std::numeric_limits<I>::min(), std::numeric_limits<I>::max()};
+    for (long long small : {-1001LL, -999LL, -7LL, 0LL, 7LL, 999LL, 1000LL, 1001LL})
+        if (small >= static_cast<long long>(std::numeric_limits<I>::min()) && small <= static_cast<long long>(std::numeric_limits<I>::max()))
+            vs.push_back(static_cast<I>(small));
+    for (I v : vs)
+        for (long xv : {-1000L, 0L, 1000L}) {
+            const T x(xv);
+            Mpz w, e, g;
+            mpz_set_str(w.v, std::to_string(+v).c_str(), 10);
+            mpz_set_si(g.v, xv);
+            const auto is = [&](const T& r) { return r.to_string() == e.str(); };
+            mpz_add(e.v, g.v, w.v);
+            T y = x;
+            y += v;
+            CHECK(is(x + v) && is(v + x) && is(y));
+            mpz_sub(e.v, g.v, w.v);
+            y = x;
+            y -= v;
+            CHECK(is(x - v) && is(y));
+            mpz_neg(e.v, e.v);
+            CHECK(is(v - x));
+            y = x;
+            y *= v;
+            mpz_mul(e.v, g.v, w.v);
+            CHECK(is(x * v) && is(v * x) && is(y));
+            if (xv != 0) CHECK((mpz_tdiv_r(e.v, w.v, g.v), is(v % x)));
+            if (v != 0) CHECK((mpz_tdiv_q(e.v, g.v, w.v), is(x / v)));
+            const int c = mpz_cmp(w.v, g.v);
+            CHECK((x < v) == (c > 0) && (v == x) == (c == 0) && (x == v) == (c == 0) && (v >= x) == (c >= 0));
+            CHECK((x != v) == (c != 0) && (v > x) == (c > 0) && (x >= v) == (c <= 0) && (v <= x) == (c <= 0));
+        }
 }
 
 template <class T>
