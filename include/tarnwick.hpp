@@ -133,9 +133,11 @@ constexpr bool isNegative(T v) {
 }
 constexpr unsigned long long kWordMax = 0xFFFFFFFFull;
 
+// Recording an error raises the terminate flag, so one look at the flag
+// answers for both on the common path.
 inline void raiseIfFailed() {
-    const std::int32_t code = TW_getLastError();
-    if (code != 0 || TW_isTerminated() != 0) {
+    if (TW_isTerminated() != 0) {
+        const std::int32_t code = TW_getLastError();
         TW_setTerminate(0);
         throw LibraryError(code != 0 ? code : TW_ERR_STOPPED);
     }

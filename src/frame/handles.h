@@ -10,6 +10,7 @@
 
 #include "frame/error_state.h"
 #include "frame/handle_registry.h"
+#include "frame/number_recycler.h"
 #include "frame/signed_number.h"
 #include "tarnwick.h"
 
@@ -45,9 +46,20 @@ template <class Handle>
     return object;
 }
 
-// A new object of the family under a new handle.  When the object cannot be
-// allocated, or no slot can be had, the handle is null and -3 is recorded;
-// such a creation is counted once as the registry's null entry.
+// Registers a new object (null when it could not be allocated, -3 recorded)
+// under a new handle.  When no slot can be had the handle is null and -3 is
+// recorded; such a creation is counted once as the registry's null entry.
+template <class Handle, class Object>
+Handle registerObject(Object* object) {
+    void* handle = object != nullptr ? Family<Handle>::registry().insert(object) : nullptr;
+    if (handle == nullptr) {
+        delete object;
+        Family<Handle>::registry().countNullEntry();
+    }
+    return static_cast<Handle>(handle);
+}
+
+// A new object of the family under a new handle (see registerObject).
 template <class Handle, class Object, class... Args>
 Handle createHandle(Args&&... args) {
     Object* object = nullptr;
@@ -56,12 +68,7 @@ Handle createHandle(Args&&... args) {
     } catch (const std::exception&) {
         setLastError(kErrTooLarge);
     }
-    void* handle = object != nullptr ? Family<Handle>::registry().insert(object) : nullptr;
-    if (handle == nullptr) {
-        delete object;
-        Family<Handle>::registry().countNullEntry();
-    }
-    return static_cast<Handle>(handle);
+    return registerObject<Handle>(object);
 }
 
 // 1 when deleted (its object freed) or null; 0 with -4 for any other value.
@@ -73,13 +80,20 @@ std::uint32_t deleteHandle(Handle h) {
         setLastError(kErrHandle);
         return 0;
     }
-    delete object;
+    using Object = typename Family<Handle>::Object;
+    if constexpr (std::is_same_v<Object, DecimalNumber> || std::is_same_v<Object, BinaryNumber>)
+        recycleNumber(object);
+    else
+        delete object;
     return 1;
 }
 
+// A new zero number: one the thread deleted before, if it kept one.
 template <class Handle>
 Handle createNumberHandle() {
-    return createHandle<Handle, typename Family<Handle>::Number>();
+    using Number = typename Family<Handle>::Number;
+    if (Number* kept = takeRecycledNumber<typename Number::Radix>()) return registerObject<Handle>(kept);
+    return createHandle<Handle, Number>();
 }
 
 }  // namespace tw

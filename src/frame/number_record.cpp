@@ -56,7 +56,7 @@ NumberRecord& NumberRecord::operator=(const NumberRecord& other) {
     return *this;
 }
 
-void resizeStorage(NumberRecord& r, std::uint32_t limbCount, bool discard) {
+void resizeStorageSlow(NumberRecord& r, std::uint32_t limbCount, bool discard) {
     if (discard) {
         r.limbs.clear();
     } else if (r.digits && r.digits != r.limbs.data()) {

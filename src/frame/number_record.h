@@ -9,6 +9,7 @@
 #pragma once
 
 #include <cstddef>
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -44,7 +45,26 @@ struct NumberRecord {
 // and every limb is zero; otherwise limbs below limbCount keep their values and
 // the limbs from limbCount up are zeroed.  Storage never shrinks.  When the
 // limbs cannot be had, records -3 and leaves the record zero.
-void resizeStorage(NumberRecord& record, std::uint32_t limbCount, bool discard);
+void resizeStorageSlow(NumberRecord& record, std::uint32_t limbCount, bool discard);
+// Inline for the common case of a request within the capacity, with no
+// limbs dropped below `digits`: no allocation, only the zeroing.
+[[gnu::always_inline]] inline void resizeStorage(NumberRecord& record, std::uint32_t limbCount, bool discard) {
+    Limb* const base = record.limbs.data();
+    const std::size_t had = record.limbs.size();
+    const std::size_t wanted = limbCount < 3 ? 3 : limbCount;
+    if (record.digits != base || wanted > record.limbs.capacity()) [[unlikely]]
+        return resizeStorageSlow(record, limbCount, discard);
+    if (discard) {
+        std::fill(base, base + std::min(had, wanted), Limb(0));
+    } else if (limbCount < had) {
+        std::fill(base + limbCount, base + had, Limb(0));
+        return;
+    } else if (wanted <= had) {
+        return;
+    }
+    record.limbs.resize(wanted);  // within the capacity, the new limbs zero
+    record.digitsEnd = base + wanted;
+}
 
 void freeTextBuffers(NumberRecord& record);
 // Inline, as almost every operation calls it on a record that holds no text.

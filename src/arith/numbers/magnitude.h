@@ -50,30 +50,41 @@ inline void installResult(NumberRecord& target, NumberRecord&& out, std::size_t 
     std::swap(target, out);
 }
 
-// |x| += |y| in place.  x and y are distinct records.
+// |x| += the magnitude ys stands for, in place; ys is not in x's storage.
 template <class R>
-void addMagnitudeInPlace(NumberRecord& x, const NumberRecord& y) {
+void addSpanInPlace(NumberRecord& x, Span ys) {
     dropTextBuffers(x);
-    const std::uint32_t n = std::max(x.topIndex, y.topIndex) + 1;
+    const std::uint32_t n = std::max<std::uint32_t>(x.topIndex + 1, std::uint32_t(ys.offset + ys.length));
     resizeStorage(x, n + 1, false);
     if (x.allocated() < n + 1u) return;  // storage exhausted: x is zero, -3 recorded
-    const Span ys = spanOf(y);
     const Limb carry = addSpans<R>(x.digits + ys.offset, x.digits + ys.offset, n - ys.offset, ys.limbs, ys.length);
     x.digits[n] = carry;
     normalizeIndices(x, n + 1);
 }
 
-// |x| -= |y| in place, requires |x| >= |y|.  A raised terminate flag makes x zero.
+// |x| -= the magnitude ys stands for, requires |x| >= it.  A raised terminate
+// flag makes x zero.
 template <class R>
-void subtractMagnitudeInPlace(NumberRecord& x, const NumberRecord& y) {
+void subtractSpanInPlace(NumberRecord& x, Span ys) {
     dropTextBuffers(x);
     if (terminateRequested()) {
         setRecordZero(x);
         return;
     }
-    const Span ys = spanOf(y);
     subSpans<R>(x.digits + ys.offset, x.digits + ys.offset, x.topIndex + 1 - ys.offset, ys.limbs, ys.length);
     normalizeIndices(x, x.topIndex + 1);
+}
+
+// |x| += |y| and |x| -= |y| (|x| >= |y|) in place; x and y are distinct records.
+template <class R>
+void addMagnitudeInPlace(NumberRecord& x, const NumberRecord& y) { addSpanInPlace<R>(x, spanOf(y)); }
+template <class R>
+void subtractMagnitudeInPlace(NumberRecord& x, const NumberRecord& y) { subtractSpanInPlace<R>(x, spanOf(y)); }
+
+// A machine word n > 0 as a span of its one or two limbs, held in `limbs`.
+template <class R>
+Span wordSpan(Limb (&limbs)[3], std::uint32_t n) {
+    return {limbs, storeCarry<R>(limbs, n), 0};
 }
 
 // |x| := |y| - |x|, requires |y| > |x|: works on a copy of y whose storage then
@@ -142,14 +153,6 @@ inline void dropLowLimbs(NumberRecord& x, std::size_t count) {
     std::memmove(x.digits, x.digits + count, (n - count) * sizeof(Limb));
     std::fill(x.digits + (n - count), x.digits + n, 0);
     normalizeIndices(x, std::uint32_t(n - count));
-}
-
-// A record holding the machine word n (one or two limbs).
-template <class R>
-NumberRecord wordRecord(std::uint32_t n) {
-    NumberRecord r;
-    setMagnitudeWord<R>(r, n);
-    return r;
 }
 
 }  // namespace tw::arith

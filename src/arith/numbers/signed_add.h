@@ -76,8 +76,9 @@ void offsetByWord(SignedNumber<R>& x, std::uint32_t n, std::int32_t direction) {
         setMagnitude64(x, direction, n);
         return;
     }
+    Limb word[3];
     if (x.sign == direction) {
-        addMagnitudeInPlace<R>(x.rec(), wordRecord<R>(n));
+        addSpanInPlace<R>(x.rec(), wordSpan<R>(word, n));
     } else {
         const int c = compareMagnitudeU32(x, n);
         if (c == 0) {
@@ -85,7 +86,7 @@ void offsetByWord(SignedNumber<R>& x, std::uint32_t n, std::int32_t direction) {
             return;
         }
         if (c > 0)
-            subtractMagnitudeInPlace<R>(x.rec(), wordRecord<R>(n));
+            subtractSpanInPlace<R>(x.rec(), wordSpan<R>(word, n));
         else
             reverseSubtractWord(x, n);  // the sign is kept
     }
