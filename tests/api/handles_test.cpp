@@ -32,10 +32,14 @@ TYPED_TEST(Handles, TableCountsAndNeverReusesAHandle) {
     // Slots are reused under new generations: a handle value is not handed
     // out again, and a stale one keeps failing, also millions of turns later.
     std::set<const void*> seen;
+    // A new number is zero with no text, though its storage may be a
+    // deleted one's.
     for (int i = 0; i < 200; ++i) {
         auto x = F::newNumber();
         EXPECT_TRUE(seen.insert(x).second) << "handle value reused";
+        ASSERT_TRUE(F::getSign(x) == 0 && F::isZero(x) == 1 && F::getDigits(x) == 1);
         F::set_u64(x, ~0ull);
+        if (i % 2) F::negate(x), F::getStrA(x, 0, nullptr), F::getStrW(x, 0, nullptr);
         F::deleteNumber(x);
     }
     for (int i = 0; i < 2000000; ++i) F::deleteNumber(F::newNumber());
@@ -308,6 +312,9 @@ TEST_F(Records, StorageRules) {
     EXPECT_TRUE(target.textBufferW == nullptr && target.digits[5] == 4);
     write(r, {0, 0, 0, 0});
     EXPECT_TRUE(r.topIndex == 0 && r.lowIndex == 0 && r.allocated() == 3);
+    // Growing again within the capacity zeroes the limbs a longer value left.
+    tw::resizeStorage(r, 9, false);
+    EXPECT_EQ(std::count(r.digits, r.digits + 9, 0u), 9);
 }
 
 // Storage that cannot grow turns a number into zero with -3 and the flag raised.
