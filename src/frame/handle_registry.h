@@ -32,6 +32,10 @@ struct HandleCodec {
     static std::uintptr_t encode(HandleFamily family, std::uint32_t slot, std::uint32_t generation) {
         return (std::uintptr_t(generation) << kGenerationShift) | (std::uintptr_t(slot) << 2) | std::uintptr_t(family);
     }
+    // The bits no field uses, with the family's: a value this codec made has
+    // none of the former set.
+    static constexpr std::uintptr_t kCheckMask =
+        ~((std::uintptr_t(kGenerationMask) << kGenerationShift) | (std::uintptr_t(kSlotMask) << 2));
     static std::uint32_t slot(std::uintptr_t value) { return std::uint32_t(value >> 2) & kSlotMask; }
     static std::uint32_t generation(std::uintptr_t value) { return std::uint32_t(value >> kGenerationShift) & kGenerationMask; }
     static std::uint32_t nextGeneration(std::uint32_t g) { return (g + 1) & kGenerationMask; }
@@ -63,9 +67,7 @@ public:
     [[gnu::always_inline]] void* find(const void* handle) const noexcept {
         const auto value = reinterpret_cast<std::uintptr_t>(handle);
         // Only values this registry could have made: its family and no stray bits.
-        if ((value & 3) != std::uintptr_t(family_) ||
-            HandleCodec::encode(family_, HandleCodec::slot(value), HandleCodec::generation(value)) != value)
-            return nullptr;
+        if ((value & HandleCodec::kCheckMask) != std::uintptr_t(family_)) return nullptr;
         const Slot* s = slotOf(value);
         if (s == nullptr) return nullptr;
         void* object = s->object.load(std::memory_order_acquire);

@@ -327,6 +327,28 @@ TYPED_TEST(Arith, DivisionConventions) {
     EXPECT_EQ(F::getSign(q), 0);
 }
 
+// Small sums that carry exactly into one and two new limbs, of either sign,
+// into a result that held a longer value.
+TYPED_TEST(Arith, SmallSumsCarryIntoNewLimbs) {
+    using F = TypeParam;
+    for (unsigned long limbs : {1ul, 2ul})
+        for (long sign : {1l, -1l}) {
+            Mpz va, one(sign), want;
+            mpz_ui_pow_ui(want, F::Radix::base, limbs);
+            mpz_mul_si(want, want, sign);
+            mpz_sub(va, want, one);
+            Number<F> r, a, b;
+            a.set(va);
+            b.set(one);
+            for (auto op : {F::add, F::sub}) {
+                r.set(Mpz("-987654321987654321987654321"));
+                if (op == F::sub) mpz_neg(one, one), b.set(one);
+                op(r, a, b);
+                EXPECT_TRUE(r.value() == want && r.normal()) << limbs << " limbs, sign " << sign;
+            }
+        }
+}
+
 TYPED_TEST(Arith, WordOperationsAndTheirHandleChecks) {
     using F = TypeParam;
     Number<F> r(11), a(-6);
