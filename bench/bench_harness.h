@@ -46,5 +46,6 @@ void printHeader();
 
 // Rows of their own files, called from the program's main.
 void runCppLoopCases(const std::string& only, double budget);
+void runHandleTurnCases(const std::string& only);
 
 }  // namespace twbench

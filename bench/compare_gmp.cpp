@@ -504,6 +504,7 @@ int main(int argc, char** argv) {
     }
     runHandleCases(options);
     runCppLoopCases(options.only, options.budget);
+    runHandleTurnCases(options.only);
     for (const Case& c : kCases) {
         if (!options.only.empty() && std::string(c.name).find(options.only) == std::string::npos) continue;
         for (std::size_t digits = 1000; digits <= std::min(c.maxDigits, options.maxDigits); digits *= 10) {
