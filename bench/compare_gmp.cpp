@@ -271,6 +271,19 @@ Timing convertBetweenTypes(std::size_t digits, double budget) {
     return t;
 }
 
+// 7^e of `digits` digits from a one-limb base, against mpz_pow_ui.
+Timing powDecimal(std::size_t digits, double budget) {
+    const auto exponent = std::uint32_t(double(digits) / std::log10(7.0));
+    HI_handle base = HI_set_u32(HI_new(), 7), r = HI_new();
+    mpz_t g;
+    mpz_init(g);
+    const Timing t = timeSideBySide([&] { HI_pow(r, base, exponent); }, [&] { mpz_ui_pow_ui(g, 7, exponent); }, budget);
+    mpz_clear(g);
+    HI_delete(base);
+    HI_delete(r);
+    return t;
+}
+
 // Small numbers, where the call itself costs most: 2-limb sums (18 digits
 // are two limbs of 10^9, 16 digits two of 2^28) and 100-digit products and
 // divisions.
@@ -282,6 +295,9 @@ const Case kSmallCases[] = {
     {"HX_mul", 100, mulBinary},
     {"HI_divRem 2n/n", 100, divideDecimal},
     {"HX_divRem 2n/n", 100, divideBinary},
+    {"HI_getStrRadixA 36", 100, radix36Text},
+    {"HX_set_hi (dec->bin)", 100, convertBetweenTypes<true>},
+    {"HI_set_hx (bin->dec)", 100, convertBetweenTypes<false>},
 };
 
 const Case kCases[] = {
@@ -296,6 +312,7 @@ const Case kCases[] = {
     {"HI_getStrRadixA 36", 1000000, radix36Text},
     {"HX_set_hi (dec->bin)", 10000000, convertBetweenTypes<true>},
     {"HI_set_hx (bin->dec)", 10000000, convertBetweenTypes<false>},
+    {"HI_pow", 100000, powDecimal},
     {"HI_gcd", 1000000, gcdDecimal},
     {"HX_gcd", 1000000, gcdBinary},
     {"HI_gcdEx", 1000000, gcdExDecimal},
