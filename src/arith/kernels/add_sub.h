@@ -116,7 +116,7 @@ Limb subSpans(Limb* out, const Limb* a, std::size_t an, const Limb* b, std::size
 
 // out[0..n] := a[0..n) * m, m < radix (the top limb out[n] is the carry).
 // out may equal a.  One row of the schoolbook method; mulByWord below
-// takes any 32-bit m at the cost of a 128-bit division a limb.
+// takes any 32-bit m.
 template <class R>
 void mulByLimb(Limb* out, const Limb* a, std::size_t n, Limb m) {
     using T = MulTraits<R>;
@@ -129,15 +129,17 @@ void mulByLimb(Limb* out, const Limb* a, std::size_t n, Limb m) {
     out[n] = Limb(carry);
 }
 
-// out[0..n) := a[0..n) * m + carryIn for any 32-bit m; returns the carry out,
-// which may exceed one limb (below 2^32 * radix / radix = 2^32 + 1 limbs' worth: below 2^33).
-// out may equal a.
+// out[0..n) := a[0..n) * m + carryIn for any 32-bit m and a carryIn below
+// 2^33; returns the carry out, also below 2^33.  out may equal a.  A limb is
+// below 2^30, so limb * m + carry < 2^62 + 2^33 stays in 64 bits and the
+// split is a 64-bit division by the constant radix (a multiplication).
 template <class R>
 std::uint64_t mulByWord(Limb* out, const Limb* a, std::size_t n, std::uint32_t m, std::uint64_t carry = 0) {
+    static_assert(R::base <= (Limb(1) << 30));
     for (std::size_t i = 0; i < n; ++i) {
-        const u128 t = u128(a[i]) * m + carry;
+        const std::uint64_t t = std::uint64_t(a[i]) * m + carry;
         out[i] = Limb(t % R::base);
-        carry = std::uint64_t(t / R::base);
+        carry = t / R::base;
     }
     return carry;
 }
