@@ -103,7 +103,8 @@ std::size_t squareRootSpans(arith::LimbScratch& scratch, Limb* s, Limb* r, const
         // Short quotients by long division in place: a reciprocal costs more.
         qn = numN - denN + 1;
         num[numN] = 0;
-        for (std::size_t i = qn; i-- > 0;) q[i] = arith::divideOneQuotientLimb<R>(num + i, num + i, denN + 1, den, denN);
+        const arith::QuotientEstimator<R> top(den, denN);
+        for (std::size_t i = qn; i-- > 0;) q[i] = arith::divideOneQuotientLimb<R>(num + i, num + i, denN + 1, den, denN, top);
         arith::copyLimbs(u, num, denN);
         qn = arith::trimmedLength(q, qn);
     } else {

@@ -45,29 +45,44 @@ u128 limbsToU128(const Limb* limbs, std::size_t n) {
     return v;
 }
 
-// floor(num / den) for den > 0 when the quotient is below 2^40: a
-// floating-point estimate, off by at most one, made exact with two 128-bit
-// products, where a 128-bit division would be a library call of many cycles.
-inline std::uint64_t smallQuotient(u128 num, u128 den) {
-    const auto toDouble = [](u128 v) { return double(std::uint64_t(v >> 64)) * 0x1p64 + double(std::uint64_t(v)); };
-    std::uint64_t q = std::uint64_t(toDouble(num) / toDouble(den));
-    u128 product = u128(q) * den;
-    while (product > num) {
-        --q;
-        product -= den;
+inline double u128ToDouble(u128 v) { return double(std::uint64_t(v >> 64)) * 0x1p64 + double(std::uint64_t(v)); }
+
+// The top of a divisor B = b[0..bn), bn >= 2, b[bn-1] != 0, prepared once
+// for the one-limb quotients of a long division: its top three limbs (all of
+// B for bn <= 3) exact in 128 bits, and their reciprocal in floating point,
+// so that each estimate is a multiplication instead of a division.
+template <class R>
+struct QuotientEstimator {
+    std::size_t w;
+    u128 bTop;
+    double inverse;
+
+    QuotientEstimator(const Limb* b, std::size_t bn)
+        : w(std::min<std::size_t>(bn, 3)), bTop(limbsToU128<R>(b + bn - w, w)), inverse(1.0 / u128ToDouble(bTop)) {}
+
+    // floor(aTop / bTop) when it is below 2^40: the floating-point estimate
+    // is off by at most one (53 bits of precision against a quotient of 40),
+    // made exact with 128-bit products.
+    std::uint64_t quotient(u128 aTop) const {
+        std::uint64_t q = std::uint64_t(u128ToDouble(aTop) * inverse);
+        u128 product = u128(q) * bTop;
+        while (product > aTop) {
+            --q;
+            product -= bTop;
+        }
+        while (aTop - product >= bTop) {
+            ++q;
+            product += bTop;
+        }
+        return q;
     }
-    while (num - product >= den) {
-        ++q;
-        product += den;
-    }
-    return q;
-}
+};
 
 // Quotient of one limb.  A = a[0..an) with an == bn or an == bn + 1 (the top
 // limb may be zero), B = b[0..bn), bn >= 2, b[bn-1] != 0, and A < B * radix so
 // that the quotient is below the radix.  Returns A div B; r[0..bn) := A mod B.
 // r may equal a (in place), otherwise it overlaps neither operand.
-// Cost: one 128-bit division and one or two passes over B.
+// Cost: one estimate and one or two passes over B.
 //
 // The digit is estimated from the top three limbs of B and the limbs of A
 // above them (at most four limbs, exact in 128 bits).  With B3 the truncated
@@ -77,13 +92,12 @@ inline std::uint64_t smallQuotient(u128 num, u128 den) {
 // with B3' = B / radix^(bn-3), so q' < q + 2.  One multiply-subtract and at
 // most one add-back give the exact digit.  With bn <= 3 the estimate is exact.
 template <class R>
-Limb divideOneQuotientLimb(Limb* r, const Limb* a, std::size_t an, const Limb* b, std::size_t bn) {
+Limb divideOneQuotientLimb(Limb* r, const Limb* a, std::size_t an, const Limb* b, std::size_t bn,
+                           const QuotientEstimator<R>& top) {
     assert(bn >= 2 && b[bn - 1] != 0 && (an == bn || an == bn + 1));
-    const std::size_t w = std::min<std::size_t>(bn, 3);
-    const u128 bTop = limbsToU128<R>(b + bn - w, w);
-    const u128 aTop = limbsToU128<R>(a + bn - w, an - bn + w);
+    const u128 aTop = limbsToU128<R>(a + bn - top.w, an - bn + top.w);
     // aTop < bTop * (radix + 1), so the quotient is at most radix.
-    std::uint64_t qEst = smallQuotient(aTop, bTop);
+    std::uint64_t qEst = top.quotient(aTop);
     // The true digit is below the radix, so an estimate of radix is one too big.
     if (qEst >= R::base) qEst = R::base - 1;
     Limb qd = Limb(qEst);
@@ -96,6 +110,10 @@ Limb divideOneQuotientLimb(Limb* r, const Limb* a, std::size_t an, const Limb* b
     }
     return qd;
 }
+template <class R>
+Limb divideOneQuotientLimb(Limb* r, const Limb* a, std::size_t an, const Limb* b, std::size_t bn) {
+    return divideOneQuotientLimb<R>(r, a, an, b, bn, QuotientEstimator<R>(b, bn));
+}
 
 // q[0..an-bn+1) := A div B by long division in place, one quotient limb at
 // a time, leaving A mod B in a[0..bn) (the limbs above are left stale).
@@ -104,9 +122,10 @@ Limb divideOneQuotientLimb(Limb* r, const Limb* a, std::size_t an, const Limb* b
 // quotient is below the radix.  Cost: (an - bn + 1) * bn limb products.
 template <class R>
 void divideSchoolbookInPlace(Limb* q, Limb* a, std::size_t an, const Limb* b, std::size_t bn) {
+    const QuotientEstimator<R> top(b, bn);
     std::size_t i = an - bn;
-    q[i] = divideOneQuotientLimb<R>(a + i, a + i, bn, b, bn);
-    while (i-- > 0) q[i] = divideOneQuotientLimb<R>(a + i, a + i, bn + 1, b, bn);
+    q[i] = divideOneQuotientLimb<R>(a + i, a + i, bn, b, bn, top);
+    while (i-- > 0) q[i] = divideOneQuotientLimb<R>(a + i, a + i, bn + 1, b, bn, top);
 }
 
 // q[0..an-bn+1) := A div B, r[0..bn) := A mod B by long division one quotient
@@ -120,12 +139,13 @@ void divideSchoolbookTiny(Limb* q, Limb* r, const Limb* a, std::size_t an, const
     // limb of A below it, so the window is (r, a[i]) of bn + 1 limbs.
     Limb window[16];
     assert(bn + 1 <= 16);
+    const QuotientEstimator<R> top(b, bn);
     std::copy(a + an - (bn - 1), a + an, window);
     window[bn - 1] = 0;
     for (std::size_t i = an - bn + 1; i-- > 0;) {
         std::memmove(window + 1, window, bn * sizeof(Limb));
         window[0] = a[i];
-        q[i] = divideOneQuotientLimb<R>(window, window, bn + 1, b, bn);
+        q[i] = divideOneQuotientLimb<R>(window, window, bn + 1, b, bn, top);
     }
     std::copy(window, window + bn, r);
 }
