@@ -209,7 +209,8 @@ public:
         // x div P_level and x mod P_level (the splitter keeps no power of two
         // apart, so odd(level) is the whole power).
         const Limbs& d = powers_->odd(level);
-        if (n < d.size() || d.empty()) {
+        if (d.empty()) return;  // the power was cut short by the terminate flag
+        if (n < d.size()) {
             split(out, half, x, n);
             split(out + half, count - half, nullptr, 0);
             return;
