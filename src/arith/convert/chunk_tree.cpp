@@ -222,6 +222,7 @@ public:
         // Zeros stand should the terminate flag cut the division short.
         if (!zeroPolled(q, qn) || !zeroPolled(r, rn)) return;
         powers_->divide(level, q, r, x, n, scratch_);
+        if (terminateRequested()) return;  // q and r are unfinished: splitting them is wasted
         split(out, half, r, rn);
         split(out + half, count - half, q, qn);
     }
