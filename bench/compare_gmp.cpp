@@ -2,11 +2,14 @@
 //
 //   tw_bench [--max-digits N] [--only SUBSTRING] [--budget SECONDS]
 //   tw_bench --peak-memory ours|gmp DIGITS
+//   tw_bench --stop-latency [--max-digits N] [--only SUBSTRING]
 //
 // Prints a table: operation, size in decimal digits, our time per call, GMP's,
 // and the ratio ours / GMP (below 1 means faster than GMP).  The second form
 // multiplies two numbers of DIGITS decimal digits once with one library only,
-// for measuring peak memory from outside (/usr/bin/time -v).
+// for measuring peak memory from outside (/usr/bin/time -v).  The third
+// raises the terminate flag from another thread during each long operation
+// and prints how long the call took to return (stop_latency.h).
 #include <algorithm>
 #include <chrono>
 #include <cmath>
@@ -18,6 +21,7 @@
 #include <vector>
 
 #include "bench_harness.h"
+#include "stop_latency.h"
 
 namespace {
 
@@ -25,14 +29,20 @@ using namespace twbench;
 
 struct Options {
     std::size_t maxDigits = 10000000;
+    bool stopLatency = false;
     std::string only;
     double budget = 1.0;
 };
 
 Options parse(int argc, char** argv) {
     Options o;
-    for (int i = 1; i + 1 < argc; i += 2) {
-        if (!std::strcmp(argv[i], "--max-digits")) o.maxDigits = std::strtoull(argv[i + 1], nullptr, 10);
+    for (int i = 1; i < argc; i += 2) {
+        if (!std::strcmp(argv[i], "--stop-latency")) {
+            o.stopLatency = true;
+            --i;
+        } else if (i + 1 == argc) {
+            break;
+        } else if (!std::strcmp(argv[i], "--max-digits")) o.maxDigits = std::strtoull(argv[i + 1], nullptr, 10);
         else if (!std::strcmp(argv[i], "--only")) o.only = argv[i + 1];
         else if (!std::strcmp(argv[i], "--budget")) o.budget = std::atof(argv[i + 1]);
     }
@@ -513,6 +523,7 @@ int peakMemoryRun(const std::string& library, std::size_t digits) {
 int main(int argc, char** argv) {
     if (argc == 4 && !std::strcmp(argv[1], "--peak-memory")) return peakMemoryRun(argv[2], std::strtoull(argv[3], nullptr, 10));
     const Options options = parse(argc, argv);
+    if (options.stopLatency) return runStopLatency(options.maxDigits, options.only);
     printHeader();
     for (const Case& c : kSmallCases) {
         if (!options.only.empty() && std::string(c.name).find(options.only) == std::string::npos) continue;

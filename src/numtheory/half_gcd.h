@@ -162,6 +162,9 @@ inline std::size_t halfGcd(Word* a, Word* b, std::size_t n, WordMatrixBig& M) {
             if (!nn) return progress ? n : 0;
             n = nn, progress = true;
         }
+        // Stopped short of 3/4: the second half would recurse on nearly all
+        // of n words, three fewer per level.
+        if (terminateRequested()) return progress ? n : 0;
         if (n > s + 2) {
             p = 2 * s - n + 1;  // the top part of 2 (n - s) - 1 words: p + s_t = s + 1
             nn = halfGcd(a + p, b + p, n - p, top);

@@ -4,6 +4,7 @@
 // extended GCD's cofactors under every aliasing; the vector forms; bad input
 // and the terminate flag.
 #include "numtheory/gcd.h"
+#include "numtheory/half_gcd.h"
 #include "support/harness.h"
 
 namespace twtest {
@@ -204,6 +205,19 @@ TYPED_TEST(Gcd, UnknownHandlesAndTheTerminateFlag) {
     EXPECT_TRUE(zeroAfter(Ops<F>::lcmV(r, list, 1)));
     Ops<F>::gcdEx(r, x, y, a, b);
     EXPECT_TRUE(holds(r, 0L) && holds(x, 0L) && holds(y, 0L));
+}
+
+// Stopped before its first step, the half-GCD returns at once instead of
+// going on to its second half, which would recurse three words a level.
+TEST(HalfGcd, ReturnsUnderTheFlag) {
+    Gen gen(31);
+    const std::size_t n = 600;
+    tw::numtheory::Words a(n + 1, 0), b(n + 1, 0);
+    for (std::size_t i = 0; i < n; ++i) a[i] = gen.next(), b[i] = gen.next();
+    tw::numtheory::WordMatrixBig m;
+    TW_setTerminate(1);
+    EXPECT_LE(tw::numtheory::halfGcd(a.data(), b.data(), n, m), n);
+    EXPECT_EQ(takeError(), TW_ERR_STOPPED);
 }
 
 }  // namespace

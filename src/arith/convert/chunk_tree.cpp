@@ -35,6 +35,18 @@ std::size_t limbsBound(std::size_t count, double chunkBits) {
     return std::size_t(double(count) * chunkBits / limbBits<R>()) + 2;
 }
 
+// p[0..n) := 0 in stripes between tests of the terminate flag: near the top
+// of a tree these are millions of fresh limbs, slow to touch first.  False
+// when stopped.
+bool zeroPolled(Limb* p, std::size_t n) {
+    constexpr std::size_t kStripe = std::size_t(1) << 16;
+    for (std::size_t i = 0; i < n; i += kStripe) {
+        if (terminateRequested()) return false;
+        std::fill(p + i, p + std::min(n, i + kStripe), 0);
+    }
+    return true;
+}
+
 // Most levels a tree has: each halves its run of chunks.
 constexpr std::size_t kMaxDepth = 64;
 
@@ -197,7 +209,8 @@ public:
         // x div P_level and x mod P_level (the splitter keeps no power of two
         // apart, so odd(level) is the whole power).
         const Limbs& d = powers_->odd(level);
-        if (n < d.size() || d.empty()) {
+        if (d.empty()) return;  // the power was cut short by the terminate flag
+        if (n < d.size()) {
             split(out, half, x, n);
             split(out + half, count - half, nullptr, 0);
             return;
@@ -207,9 +220,9 @@ public:
         Limb* q = frame.take(qn);
         Limb* r = frame.take(rn);
         // Zeros stand should the terminate flag cut the division short.
-        std::fill(q, q + qn, 0);
-        std::fill(r, r + rn, 0);
+        if (!zeroPolled(q, qn) || !zeroPolled(r, rn)) return;
         powers_->divide(level, q, r, x, n, scratch_);
+        if (terminateRequested()) return;  // q and r are unfinished: splitting them is wasted
         split(out, half, r, rn);
         split(out + half, count - half, q, qn);
     }

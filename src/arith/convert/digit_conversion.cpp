@@ -95,33 +95,43 @@ std::size_t chunksBound(std::size_t limbs, std::uint64_t chunk) {
     return std::size_t(bits / std::log2(double(chunk)) * (1 + 1e-12)) + 2;
 }
 
-// Unpacks chunks[0..n) into digits and drops zero digits at the top.
+// Chunks unpacked between two tests of the terminate flag: the digits of a
+// stripe are fresh memory, and a first touch of many pages is slow.
+constexpr std::size_t kChunksPerPoll = std::size_t(1) << 14;
+
+// Unpacks chunks[0..n) into digits and drops zero digits at the top; empty
+// when the terminate flag stops it.
 std::vector<std::uint32_t> unpackChunks(const std::uint32_t* chunks, std::size_t n, const ChunkRadix& c) {
     std::vector<std::uint32_t> digits;
     if (c.digitsPerChunk == 1) {
         digits.assign(chunks, chunks + n);
     } else {
-        digits.resize(n * c.digitsPerChunk);
+        // The vector grows a stripe at a time inside its capacity.
+        digits.reserve(n * c.digitsPerChunk);
         // A multiply-high per digit instead of a hardware division.
         const convert::WordDivisor byRadix(c.radix);
-        // Four chunks at a time: their chains of dependent divisions overlap.
         const unsigned k = c.digitsPerChunk;
-        std::uint32_t* out = digits.data();
-        std::size_t j = 0;
-        for (; j + 4 <= n; j += 4, out += 4 * k) {
-            std::uint64_t v[4] = {chunks[j], chunks[j + 1], chunks[j + 2], chunks[j + 3]};
-            for (unsigned i = 0; i < k; ++i)
-                for (unsigned lane = 0; lane < 4; ++lane) {
-                    std::uint64_t digit;
-                    v[lane] = byRadix.divide(v[lane], digit);
-                    out[lane * k + i] = std::uint32_t(digit);
+        for (std::size_t j = 0; j < n;) {
+            if (terminateRequested()) return {};
+            const std::size_t stripeEnd = std::min(n, j + kChunksPerPoll);
+            digits.resize(stripeEnd * k);
+            std::uint32_t* out = digits.data() + j * k;
+            // Four chunks at a time: their chains of dependent divisions overlap.
+            for (; j + 4 <= stripeEnd; j += 4, out += 4 * k) {
+                std::uint64_t v[4] = {chunks[j], chunks[j + 1], chunks[j + 2], chunks[j + 3]};
+                for (unsigned i = 0; i < k; ++i)
+                    for (unsigned lane = 0; lane < 4; ++lane) {
+                        std::uint64_t digit;
+                        v[lane] = byRadix.divide(v[lane], digit);
+                        out[lane * k + i] = std::uint32_t(digit);
+                    }
+            }
+            for (; j < stripeEnd; ++j) {
+                std::uint64_t v = chunks[j], digit;
+                for (unsigned i = 0; i < k; ++i) {
+                    v = byRadix.divide(v, digit);
+                    *out++ = std::uint32_t(digit);
                 }
-        }
-        for (; j < n; ++j) {
-            std::uint64_t v = chunks[j], digit;
-            for (unsigned i = 0; i < k; ++i) {
-                v = byRadix.divide(v, digit);
-                *out++ = std::uint32_t(digit);
             }
         }
     }
@@ -199,6 +209,7 @@ std::vector<std::uint32_t> toDigits(const NumberRecord& x, std::uint32_t targetR
         LimbScratch scratch(count + convert::splitScratchLimbs<R>(n, count, c.chunk));
         std::uint32_t* chunks = scratch.take(count);
         convert::splitIntoChunks<R>(chunks, count, limbs, n, c.chunk, scratch);
+        if (terminateRequested()) return {};
         digits = unpackChunks(chunks, count, c);
     }
     while (!digits.empty() && digits.back() == 0) digits.pop_back();

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "frame/error_state.h"
+
 namespace tw::arith::ntt {
 
 namespace {
@@ -20,6 +22,10 @@ constexpr bool positionTotalsFitOneWord() {
 static_assert(positionTotalsFitOneWord<DecimalRadix>() && positionTotalsFitOneWord<BinaryRadix>());
 
 constexpr std::size_t kBlock = 512;
+
+// Blocks combined between two tests of the terminate flag (a few hundred
+// microseconds of work); a stopped product is discarded by its caller.
+constexpr std::size_t kBlocksPerPoll = 64;
 // Independent carry chains a block is cut into: the division of each
 // position's total by R waits for the previous position's carry, so one
 // chain is bound by that latency; interleaved chains hide it.
@@ -82,6 +88,7 @@ void combine(Limb* out, std::size_t room, const Limb* r0, const Limb* r1, const 
     alignas(64) Limb pad0[kBlock], pad1[kBlock], pad2[kBlock];
     CarryState head;
     for (std::size_t i = 0; i < count; i += kBlock) {
+        if (i % (kBlocksPerPoll * kBlock) == 0 && terminateRequested()) return;
         const std::size_t n = std::min(kBlock, count - i);
         const std::size_t whole = (n + kernels.lanes - 1) / kernels.lanes * kernels.lanes;
         if (whole == n) {

@@ -153,6 +153,7 @@ void CyclicFactor::prepare(std::size_t length, const Limb* b, std::size_t bn) {
     for (std::size_t k = 0; k < kPrimes && yn > 0; ++k) {
         if (terminateRequested()) return;
         const TransformPlan plan = makePlan(k, length, buildTopRootTable(kernels, k, m, top));
+        if (terminateRequested()) return;
         kernels.forward(transforms.get() + k * stride, y, yn, plan);
     }
     if (terminateRequested()) return;

@@ -55,7 +55,9 @@ void primeByPrime(LimbScratch& scratch, Limb* out, std::size_t room, std::size_t
     Limb* topWords = frame.takeAligned(topRootWords(m));
     for (std::size_t k = 0; k < kPrimeCount; ++k) {
         Limb* r = k == 2 ? r2 : r1;
-        convolveOnPrime(kernels, makePlan(k, length, buildTopRootTable(kernels, k, m, topWords)), r, extra);
+        const TransformPlan plan = makePlan(k, length, buildTopRootTable(kernels, k, m, topWords));
+        if (terminateRequested()) return;  // the root table alone is a pass of m/2 words
+        convolveOnPrime(kernels, plan, r, extra);
         if (terminateRequested()) return;
         if (k == 0) std::copy(r, r + count, out);
     }

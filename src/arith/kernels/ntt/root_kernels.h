@@ -15,6 +15,7 @@
 #include "arith/kernels/ntt/prime_field.h"
 #include "arith/kernels/ntt/roots_of_unity.h"
 #include "arith/kernels/ntt/transform_plan.h"
+#include "frame/error_state.h"
 
 namespace tw::arith::ntt {
 
@@ -50,6 +51,7 @@ void buildTopRoots(Limb* roots, Limb* companions, std::size_t blockLength, const
         Reg m[kChains];
         for (std::size_t k = 0; k < kChains; ++k) m[k] = V::load(start + k * L);
         for (std::size_t j = 0; j < top; j += kChains * L) {
+            if (j % kPassPollWords == 0 && terminateRequested()) return;  // the caller drops the table
             for (std::size_t k = 0; k < kChains; ++k) {
                 V::store(r + j + k * L, f.mulMontgomery(m[k], one));
                 V::store(c + j + k * L, V::mullo(m[k], negPinv));
@@ -63,6 +65,7 @@ void buildTopRoots(Limb* roots, Limb* companions, std::size_t blockLength, const
         Limb* rb = roots + topLevelOffset(h);
         Limb* cb = companions + topLevelOffset(h);
         for (std::size_t j = 0; j < h; j += L) {
+            if (j % kPassPollWords == 0 && terminateRequested()) return;
             V::store(rb + j, V::evenLanes(V::load(ra + 2 * j), V::load(ra + 2 * j + L)));
             V::store(cb + j, V::evenLanes(V::load(ca + 2 * j), V::load(ca + 2 * j + L)));
         }

@@ -36,6 +36,7 @@ void forwardTransform(Limb* x, const Limb* src, std::size_t len, const Transform
     const std::size_t m = plan.blockLength;
     if (plan.hasRadix3()) {
         Radix3Layer<V>(passes).forwardFrom(x, src, len);
+        if (terminateRequested()) return;  // the layer is a pass over all of x
         for (std::size_t r = 0; r < 3; ++r) passes.forward(x + r * m, m);
     } else {
         passes.forwardFrom(x, src, len, m);
@@ -48,6 +49,7 @@ void inverseTransform(Limb* x, const TransformPlan& plan) {
     const std::size_t m = plan.blockLength;
     if (plan.hasRadix3()) {
         for (std::size_t r = 0; r < 3; ++r) passes.inverse(x + r * m, m);
+        if (terminateRequested()) return;
         Radix3Layer<V>(passes).inverse(x);
     } else {
         passes.inverse(x, m);
@@ -60,7 +62,9 @@ void convolveTransform(Limb* x, const Limb* src, std::size_t len, const Limb* y,
     const std::size_t m = plan.blockLength;
     if (plan.hasRadix3()) {
         Radix3Layer<V>(passes).forwardFrom(x, src, len);
+        if (terminateRequested()) return;
         for (std::size_t r = 0; r < 3; ++r) passes.template convolve<Square>(x + r * m, y + r * m, m);
+        if (terminateRequested()) return;
         Radix3Layer<V>(passes).inverse(x);
     } else {
         passes.template convolveFrom<Square>(x, src, len, y, m);

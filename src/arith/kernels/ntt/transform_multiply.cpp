@@ -106,6 +106,7 @@ void productInChunks(Limb* out, std::size_t room, const Span& longer, const Span
         transformOfS[k] = frame.takeAligned(length);
         work[k] = frame.takeAligned(length);
         top[k] = buildTopRootTable(kernels, k, m, frame.takeAligned(topRootWords(m)));
+        if (terminateRequested()) return;
         kernels.forward(transformOfS[k], shorter.limbs, shorter.length, makePlan(k, length, top[k]));
         if (terminateRequested()) return;
     }

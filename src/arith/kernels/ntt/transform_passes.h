@@ -3,6 +3,11 @@
 // their quarters until a block fits kLeafLength (transform_plan.h), where the
 // leaves take over while it is in cache.  Cost per transform: (N/2) log2 N
 // butterflies, plus for N = 3M one radix-3 layer (transform_radix3.h).
+//
+// Every block of more than two leaves tests the terminate flag before its
+// work and returns at once when it is raised, so a transform of millions of
+// words stops within a pass or two over memory; the caller, who tests the
+// flag after the transform, discards the residues.
 #pragma once
 
 #include <algorithm>
@@ -10,6 +15,7 @@
 #include <cstdint>
 
 #include "arith/kernels/ntt/transform_leaves.h"
+#include "frame/error_state.h"
 
 namespace tw::arith::ntt {
 
@@ -65,6 +71,7 @@ public:
             leafForward(x, n / 2);
             leafForward(x + n / 2, n / 2);
         } else {
+            if (terminateRequested()) return;
             forwardLevelPair(x, n, n / 2);
             for (std::size_t k = 0; k < 4; ++k) forward(x + k * (n / 4), n / 4);
         }
@@ -79,6 +86,7 @@ public:
             leafInverse(x + n / 2, n / 2);
             inverseLevel(x, n, n / 2);
         } else {
+            if (terminateRequested()) return;
             for (std::size_t k = 0; k < 4; ++k) inverse(x + k * (n / 4), n / 4);
             inverseLevelPair(x, n, n / 2);
         }
@@ -95,6 +103,7 @@ public:
             this->template leafConvolve<Square>(x + n / 2, y + n / 2, n / 2);
             inverseLevel(x, n, n / 2);
         } else {
+            if (terminateRequested()) return;
             forwardLevelPair(x, n, n / 2);
             for (std::size_t k = 0; k < 4; ++k) convolve<Square>(x + k * (n / 4), y + k * (n / 4), n / 4);
             inverseLevelPair(x, n, n / 2);

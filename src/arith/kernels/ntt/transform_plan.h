@@ -20,6 +20,12 @@
 
 namespace tw::arith::ntt {
 
+// Words a pass over a whole transform (the radix-3 layer, the root table)
+// handles between two tests of the terminate flag: about a millisecond of
+// work, most of it first touches of fresh scratch pages.  A stopped pass
+// leaves its output unfinished for the caller to discard.
+inline constexpr std::size_t kPassPollWords = std::size_t(1) << 16;
+
 // Words after each long level's roots: one guard root w_2h^h = -1 and
 // padding that keeps the next level on a cache line.
 inline constexpr std::size_t kTopLevelPad = 16;

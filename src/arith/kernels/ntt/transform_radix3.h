@@ -10,6 +10,7 @@
 
 #include "arith/kernels/ntt/prime_field.h"
 #include "arith/kernels/ntt/transform_levels.h"
+#include "frame/error_state.h"
 
 namespace tw::arith::ntt {
 
@@ -45,6 +46,7 @@ void Radix3Layer<V>::forwardFrom(Limb* x, const Limb* src, std::size_t len) cons
     const Reg w3 = V::broadcast(plan.cubeRoot), w3s = V::broadcast(plan.cubeRootCompanion);
     std::size_t j = 0;
     for (; j < m && j < len; j += L) {
+        if (j % kPassPollWords == 0 && terminateRequested()) return;  // the caller drops x
         const Reg a = TransformLevels<V>::loadPadded(src, j, len);
         Reg y0 = a, y1 = a, y2 = a;
         if (m + j < len) {
@@ -77,6 +79,7 @@ void Radix3Layer<V>::inverse(Limb* x) const {
     RootChain c1(plan, plan.rootInverse, 1), c2(plan, plan.rootInverse, 2);
     const Reg w3 = V::broadcast(plan.cubeRootInverse), w3s = V::broadcast(plan.cubeRootInverseCompanion);
     for (std::size_t j = 0; j < m; j += L) {
+        if (j % kPassPollWords == 0 && terminateRequested()) return;
         const Reg y0 = V::load(x + j);
         const Reg y1 = f.mulMontgomery(V::load(x + m + j), c1.value);
         const Reg y2 = f.mulMontgomery(V::load(x + 2 * m + j), c2.value);
