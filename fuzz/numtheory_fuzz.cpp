@@ -14,7 +14,10 @@ using namespace twfuzz;
 
 namespace {
 
+// Steps end after kMaxSteps or once the bits of their first operands add up
+// to kBudgetBits: an input of long operands runs a few steps only.
 constexpr int kMaxSteps = 24;
+constexpr std::size_t kBudgetBits = 60000;
 
 std::size_t bitsOf(mpz_srcptr v) { return mpz_sgn(v) ? mpz_sizeinbase(v, 2) : 0; }
 
@@ -79,11 +82,13 @@ void leadingDigits(mpz_ptr x, unsigned long n, int round, bool binary) {
     mpz_mul(x, x, p);
 }
 
+// One step; returns the bits of its first operand.
 template <class F>
-void step(Bytes& in, gmp_randstate_t rs, unsigned op) {
+std::size_t step(Bytes& in, gmp_randstate_t rs, unsigned op) {
     auto& n = numbers<F>();
     Mpz a, b, m, w, x, y;
     drawOperand(in, rs, a);
+    const std::size_t cost = bitsOf(a);
     set<F>(n.a, a);
     switch (op) {
     case 0: {  // gcd, lcm, the extended GCD
@@ -106,7 +111,7 @@ void step(Bytes& in, gmp_randstate_t rs, unsigned op) {
         drawOperand(in, rs, b);
         drawOperand(in, rs, m);
         // The exponent short enough that one power of the longest modulus stays fast.
-        mpz_tdiv_r_2exp(b, b, bitsOf(m) > 4000 ? 64 : 300);
+        mpz_tdiv_r_2exp(b, b, bitsOf(m) > 9000 ? 12 : bitsOf(m) > 4000 ? 64 : 300);
         set<F>(n.b, b), set<F>(n.m, m);
         F::set_s64(n.r, 77);
         F::powMod(n.r, n.a, n.b, n.m);
@@ -114,7 +119,7 @@ void step(Bytes& in, gmp_randstate_t rs, unsigned op) {
             expectError(TW_ERR_DIV_ZERO, "powMod by zero");
             mpz_set_ui(w, 77);
             expectValue<F>(n.r, w, "powMod by zero leaves the result");
-            return;
+            return cost;
         }
         mpz_abs(m, m), mpz_abs(x, a), mpz_abs(y, b);
         mpz_powm(w, x, y, m);
@@ -264,6 +269,7 @@ void step(Bytes& in, gmp_randstate_t rs, unsigned op) {
     }
     }
     expectError(0, "a step");
+    return cost;
 }
 
 }  // namespace
@@ -273,10 +279,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static const bool ready = (gmp_randinit_default(rs), true);
     (void)ready;
     Bytes in(data, size);
-    for (int n = 0; n < kMaxSteps && !in.empty(); ++n) {
+    std::size_t spent = 0;
+    for (int n = 0; n < kMaxSteps && spent < kBudgetBits && !in.empty(); ++n) {
         const std::uint8_t op = in.u8();
-        if (op & 1) step<Hx>(in, rs, (op >> 1) % 8);
-        else step<Hi>(in, rs, (op >> 1) % 8);
+        spent += op & 1 ? step<Hx>(in, rs, (op >> 1) % 8) : step<Hi>(in, rs, (op >> 1) % 8);
     }
     return 0;
 }
