@@ -87,8 +87,11 @@ void montgomeryReduce(Limb* out, const Limb* t, Limb* q, const Limb* m, const Li
         c = 0;
         for (std::size_t j0 = from; j0 < to; j0 += kBlock) {
             const std::size_t j1 = std::min(to, j0 + kBlock);
-            const Limb* mk = mrev + (n - 1 - k);  // mk[j] = m[k - j]: both run forwards
-            for (std::size_t j = j0; j < j1; ++j) a += std::uint64_t(q[j]) * mk[j];
+            // mk[i] = m[k - j0 - i]: both run forwards.  Offsets from j0, so that
+            // no pointer before mrev is formed in the columns of the high half.
+            const Limb* qj = q + j0;
+            const Limb* mk = mrev + (j0 + n - 1 - k);
+            for (std::size_t i = 0; i < j1 - j0; ++i) a += std::uint64_t(qj[i]) * mk[i];
             c += a / b2;
             a %= b2;
         }
