@@ -26,3 +26,9 @@ if(TARNWICK_STDCALL)
             --output-lib $<TARGET_LINKER_FILE:tarnwick>
     COMMENT "Import library of Tarnwick.dll for __stdcall callers" VERBATIM)
 endif()
+# 64-bit Windows aligns the stack to 16 bytes only and GCC cannot realign it
+# there for a 256- or 512-bit spill; 32-bit Windows callers may pass a stack
+# aligned to 4 bytes (GCC realigns there, as mingw assumes).  Every aligned
+# vector move is assembled as its unaligned twin (the same speed on aligned
+# data), so no spill can fault whatever the compiler assumed.
+target_compile_options(tarnwick_objects PRIVATE -Wa,-muse-unaligned-vector-move)
