@@ -14,13 +14,21 @@
 
 namespace tw {
 
+namespace detail {
+template <class T>
+constexpr bool isNegative(T v) {
+    if constexpr (std::is_signed_v<T>) return v < 0;
+    else return false;
+}
+}  // namespace detail
+
 class PortableU128 {
 public:
     constexpr PortableU128() = default;
     // From any integer, as the built-in conversion: signed values are taken
     // modulo 2^128 (sign-extended).
     template <class T, std::enable_if_t<std::is_integral_v<T>, int> = 0>
-    constexpr PortableU128(T v) : low_(std::uint64_t(v)), high_(isNegative(v) ? ~std::uint64_t(0) : 0) {}
+    constexpr PortableU128(T v) : low_(std::uint64_t(v)), high_(detail::isNegative(v) ? ~std::uint64_t(0) : 0) {}
 
     // To a narrower integer: the low bits, as the built-in conversion.
     template <class T, std::enable_if_t<std::is_integral_v<T>, int> = 0>
@@ -104,12 +112,6 @@ public:
 
 private:
     constexpr PortableU128(std::uint64_t low, std::uint64_t high) : low_(low), high_(high) {}
-
-    template <class T>
-    static constexpr bool isNegative(T v) {
-        if constexpr (std::is_signed_v<T>) return v < 0;
-        else return false;
-    }
 
     // The full product of two 64-bit words, from four 32-bit partial products.
     static constexpr PortableU128 wideProduct(std::uint64_t a, std::uint64_t b) {
