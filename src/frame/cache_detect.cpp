@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "frame/ini_reader.h"
+#include "frame/platform.h"
 #include "frame/radix.h"
 
 #if defined(__x86_64__) || defined(__i386__)
@@ -149,7 +149,7 @@ CacheSettings defaultCacheSettings(const CacheSizes& sizes) {
 CacheSettings applyConfigFile(const CacheSettings& defaults, const std::string& path) {
     constexpr std::string_view kSection = "UserSetCacheInfo";
     auto read = [&](std::string_view key, std::uint32_t fallback) {
-        return std::uint32_t(readProfileInt(path, kSection, key, std::int32_t(fallback)));
+        return std::uint32_t(platform::profileInt(path, kSection, key, std::int32_t(fallback)));
     };
     return {read("CacheL1size", defaults.l1Bytes), read("CacheL2size", defaults.outerBytes),
             read("Cacheburst", defaults.burstBytes)};
@@ -158,11 +158,6 @@ CacheSettings applyConfigFile(const CacheSettings& defaults, const std::string& 
 CacheTuning deriveCacheTuning(const CacheSettings& s) {
     return {wordsFloorPowerOfTwo(s.outerBytes), wordsFloorPowerOfTwo(s.burstBytes),
             wordsFloorPowerOfTwo(s.l1Bytes), l1FanoutFor(s.l1Bytes)};
-}
-
-std::string configFilePath() {
-    const char* named = std::getenv("TARNWICK_INI");
-    return named ? named : "Tarnwick.ini";
 }
 
 CacheTuning cacheTuningFor(const CpuidReadout& cpu, const std::string& configPath) {

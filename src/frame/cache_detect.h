@@ -67,9 +67,6 @@ CacheSettings applyConfigFile(const CacheSettings& defaults, const std::string& 
 // The kernels' block sizes from the settings.
 CacheTuning deriveCacheTuning(const CacheSettings& settings);
 
-// $TARNWICK_INI when set, else "Tarnwick.ini" in the current directory.
-std::string configFilePath();
-
 // The whole start-up sequence for a given processor and file.
 CacheTuning cacheTuningFor(const CpuidReadout& cpu, const std::string& configPath);
 

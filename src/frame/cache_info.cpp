@@ -1,17 +1,14 @@
 #include "frame/cache_info.h"
 
 #include "frame/cache_detect.h"
+#include "frame/platform.h"
 
 namespace tw {
 
+// Detected once, by the library's start-up, so that no kernel pays for it later.
 const CacheTuning& cacheTuning() {
-    static const CacheTuning tuning = cacheTuningFor(readCpuid(), configFilePath());
+    static const CacheTuning tuning = cacheTuningFor(readCpuid(), platform::configFilePath());
     return tuning;
 }
-
-namespace {
-// Detection runs while the library loads, so no kernel pays for it later.
-[[maybe_unused]] const CacheTuning& detectedAtLoad = cacheTuning();
-}  // namespace
 
 }  // namespace tw

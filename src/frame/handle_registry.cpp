@@ -1,5 +1,7 @@
 #include "frame/handle_registry.h"
 
+#include <mutex>
+
 #include "frame/error_state.h"
 
 namespace tw {
@@ -34,7 +36,7 @@ constexpr std::size_t kThreadSlotsMax = 4 * HandleRegistry::kBatch;
 
 void HandleRegistry::fillFromPool(std::vector<std::uint32_t>& out) noexcept {
     try {
-        const std::lock_guard<std::mutex> lock(poolLock_);
+        const std::lock_guard<platform::ConstantMutex> lock(poolLock_);
         while (out.size() < kBatch && !pool_.empty()) {
             out.push_back(pool_.back());
             pool_.pop_back();
@@ -51,7 +53,7 @@ void HandleRegistry::fillFromPool(std::vector<std::uint32_t>& out) noexcept {
 
 void HandleRegistry::returnToPool(std::vector<std::uint32_t>& from, std::size_t count) noexcept {
     try {
-        const std::lock_guard<std::mutex> lock(poolLock_);
+        const std::lock_guard<platform::ConstantMutex> lock(poolLock_);
         pool_.insert(pool_.end(), from.end() - std::ptrdiff_t(count), from.end());
         from.resize(from.size() - count);
     } catch (const std::exception&) {

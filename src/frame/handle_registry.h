@@ -13,8 +13,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <vector>
+
+#include "frame/platform.h"
 
 namespace tw {
 
@@ -99,7 +100,7 @@ private:
     std::atomic<bool> nullCounted_{false};
     // Chunks of slots, published once and never moved or freed.
     std::atomic<Slot*> chunks_[kChunks] = {};
-    std::mutex poolLock_;
+    platform::ConstantMutex poolLock_;
     std::vector<std::uint32_t> pool_;  // free slots handed back by threads
     std::uint32_t nextUnused_ = 0;     // slots from here on were never used
 };

@@ -33,10 +33,6 @@ namespace detail {
 constinit std::atomic<std::uint8_t> kernelChoiceBits{std::uint8_t(KernelPath::Portable)};
 }  // namespace detail
 
-namespace {
-[[maybe_unused]] const bool probed = (resetKernelPath(), true);
-}  // namespace
-
 KernelPath widestKernelPath() {
     static const KernelPath widest = probeWidest();
     return widest;

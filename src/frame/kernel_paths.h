@@ -25,7 +25,7 @@ struct KernelChoice {
 };
 
 namespace detail {
-// Low bits: the path; bit 7: forced.  Portable until the probe at load.
+// Low bits: the path; bit 7: forced.  Portable until the start-up probes.
 extern std::atomic<std::uint8_t> kernelChoiceBits;
 }  // namespace detail
 

@@ -6,11 +6,11 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "frame/uint128.h"
+
 namespace tw {
 
 using Limb = std::uint32_t;
-// 128-bit arithmetic for exact intermediate products.
-__extension__ typedef unsigned __int128 u128;
 
 // Limbs of radix 10^9: nine decimal digits a limb.
 struct DecimalRadix {

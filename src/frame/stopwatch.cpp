@@ -2,26 +2,19 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <iterator>
 #include <string>
 
+#include "frame/platform.h"
 #include "frame/radix.h"
 
 namespace tw {
 
 namespace {
 
-std::uint64_t steadyNanoseconds() {
-    const auto now = std::chrono::steady_clock::now().time_since_epoch();
-    return std::uint64_t(std::chrono::duration_cast<std::chrono::nanoseconds>(now).count());
-}
-
-constexpr std::uint64_t kSteadyFrequency = 1000000000u;
-
 struct Stopwatch {
-    std::uint64_t (*now)() = steadyNanoseconds;
-    std::uint64_t frequency = kSteadyFrequency;  // 0: no counter
+    std::uint64_t (*now)() = platform::counterTicks;
+    std::uint64_t frequency = 0;                 // 0: no counter (until the start-up reads it)
     std::uint32_t running = 0;                   // the last `on` that changed the state
     std::uint64_t value = 0;                     // virtual start while running, elapsed ticks while stopped
 };
@@ -113,6 +106,8 @@ const Ch* formatElapsed(std::int32_t format, Ch (&buffer)[kTextCapacity]) {
 
 }  // namespace
 
+void stopwatchStart() { watch.frequency = platform::counterFrequency(); }
+
 void stopwatchEnable(std::uint32_t on) {
     if (watch.frequency == 0 || on == watch.running) return;
     watch.running = on;
@@ -155,8 +150,8 @@ void stopwatchHaltOnError() {
 }
 
 void setStopwatchClockForTesting(std::uint64_t (*now)(), std::uint64_t frequency) {
-    watch.now = now ? now : steadyNanoseconds;
-    watch.frequency = now ? frequency : kSteadyFrequency;
+    watch.now = now ? now : platform::counterTicks;
+    watch.frequency = now ? frequency : platform::counterFrequency();
 }
 
 }  // namespace tw

@@ -11,6 +11,10 @@
 
 namespace tw {
 
+// Reads the counter's frequency; the library's start-up calls it once.
+// Until then the stopwatch behaves as on a machine without a counter.
+void stopwatchStart();
+
 // Starts (on != 0) or stops (on == 0).  `on` is compared with the running
 // state as a whole word, so callers pass 0 or 1.
 void stopwatchEnable(std::uint32_t on);
@@ -35,7 +39,7 @@ void stopwatchHaltOnError();
 // Test seam: replaces the tick source and its frequency (ticks a second).
 // A frequency of 0 stands for a machine without a counter: every stopwatch
 // function then does nothing and reads 0 or null.  A null `now` restores the
-// steady clock at 10^9 ticks a second.
+// platform's counter.
 void setStopwatchClockForTesting(std::uint64_t (*now)(), std::uint64_t frequency);
 
 }  // namespace tw

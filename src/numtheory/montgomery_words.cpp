@@ -27,7 +27,7 @@ struct Column {
     u128 low = 0;
     u64 top = 0;
 
-    void add(u128 p) { top += __builtin_add_overflow(low, p, &low); }
+    void add(u128 p) { top += addOverflows(low, p); }
     void mac(u64 x, u64 y) { add(u128(x) * y); }
     // The low word leaves; the sum moves down one word.
     u64 shift() {

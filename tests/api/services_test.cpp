@@ -16,6 +16,7 @@
 #include "frame/cache_detect.h"
 #include "frame/cache_info.h"
 #include "frame/ini_reader.h"
+#include "frame/platform.h"
 #include "frame/random_generator.h"
 #include "frame/stopwatch.h"
 
@@ -174,14 +175,14 @@ TEST(CacheDetection, ConfigurationFiles) {
     const std::string named = write("named.ini", std::string(section) + "CacheL1size=65536\nCacheL2size=4194304\nCacheburst=128\n");
     const fs::path home = fs::current_path();
     fs::current_path(dir);
-    const std::string local = tw::configFilePath();
+    const std::string local = tw::platform::configFilePath();
     const tw::CacheTuning fromFolder = tw::cacheTuningFor(CpuidReadout{}, local);
     ::setenv("TARNWICK_INI", named.c_str(), 1);
-    const std::string fromEnvPath = tw::configFilePath();
+    const std::string fromEnvPath = tw::platform::configFilePath();
     const tw::CacheTuning fromEnv = tw::cacheTuningFor(CpuidReadout{}, fromEnvPath);
     fs::current_path(home);
     ::setenv("TARNWICK_INI", (dir / "absent.ini").c_str(), 1);
-    const tw::CacheTuning none = tw::cacheTuningFor(CpuidReadout{}, tw::configFilePath());
+    const tw::CacheTuning none = tw::cacheTuningFor(CpuidReadout{}, tw::platform::configFilePath());
     previous ? ::setenv("TARNWICK_INI", saved.c_str(), 1) : ::unsetenv("TARNWICK_INI");
     fs::remove_all(dir);
     EXPECT_EQ(local, "Tarnwick.ini");
@@ -190,7 +191,7 @@ TEST(CacheDetection, ConfigurationFiles) {
     EXPECT_TRUE(fromEnv.l1Words == 16384 && fromEnv.cacheBlockWords == 1048576 && fromEnv.burstWords == 32);
     EXPECT_TRUE(none.l1Words == 2048 && none.cacheBlockWords == 65536 && none.burstWords == 8 && none.l1Fanout == 32);
     // The values fixed at load are this machine's detection.
-    const tw::CacheTuning now = tw::cacheTuningFor(tw::readCpuid(), tw::configFilePath());
+    const tw::CacheTuning now = tw::cacheTuningFor(tw::readCpuid(), tw::platform::configFilePath());
     EXPECT_TRUE(tw::cacheTuning().cacheBlockWords == now.cacheBlockWords && tw::cacheTuning().l1Words == now.l1Words &&
                 tw::cacheTuning().burstWords == now.burstWords && tw::cacheTuning().l1Fanout == now.l1Fanout);
 }
