@@ -1,14 +1,4 @@
-# Cross build for 64-bit Windows with the mingw-w64 compilers of the
-# posix thread model (std::mutex and thread_local need winpthreads).
-set(CMAKE_SYSTEM_NAME Windows)
+# Cross build for 64-bit Windows with the mingw-w64 compilers.
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 set(TARNWICK_MINGW_PREFIX x86_64-w64-mingw32)
-set(CMAKE_C_COMPILER ${TARNWICK_MINGW_PREFIX}-gcc-posix)
-set(CMAKE_CXX_COMPILER ${TARNWICK_MINGW_PREFIX}-g++-posix)
-set(CMAKE_RC_COMPILER ${TARNWICK_MINGW_PREFIX}-windres)
-set(CMAKE_DLLTOOL ${TARNWICK_MINGW_PREFIX}-dlltool)
-set(CMAKE_FIND_ROOT_PATH /usr/${TARNWICK_MINGW_PREFIX})
-set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
-set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+include(${CMAKE_CURRENT_LIST_DIR}/mingw-common.cmake)
