@@ -309,7 +309,7 @@ void checkErrors() {
 }
 
 void checkServices() {
-    CHECK(std::string(TW_getVerA()) == "Tarnwick V6.0.0.4");
+    CHECK(std::string(TW_getVerA()) == "Tarnwick V6.0.0.3");
     CHECK(std::wstring(TW_getVerW()) == L"Tarnwick V6.0.0.3");
     CHECK(TW_getExportFunNums(0xF) == 230 && TW_getExportFunNums(0) == 0);
     // The stopwatch over QueryPerformanceCounter: set while stopped, read as text.
